@@ -1,0 +1,59 @@
+#pragma once
+
+#include "analysis/session.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+namespace zf::act {
+
+// What the contact link needs of the main window; the window fills these in, tests record.
+struct WindowHooks {
+    std::function<void(bool busy)> setBusyCursor;
+    std::function<void(bool onTop)> setTopMost;
+    std::function<void()> repaint;
+    std::function<int(const QString& text, int style)> showMessage;
+    // Shows the completion prompt modally; returns CompletionChoice (0 none, 1 leave, 2 back).
+    std::function<quint8(bool created)> showCompletionPrompt;
+    std::function<void()> fetchClipboard; // FetchClipboard of the window
+    std::function<void()> saveFieldCache; // SaveFieldCache of the settings
+    std::function<void()> closeProgram;   // unload the main window and end the program
+    std::function<void()> focusMainWindow;
+};
+
+class ObjectFactory;
+
+// The program's side of the contact manager: the objects it keeps for the whole run, the
+// contact transfer and the field-list loading.
+class ContactLink {
+public:
+    explicit ContactLink(std::shared_ptr<ObjectFactory> factory);
+    ~ContactLink();
+    ContactLink(const ContactLink&) = delete;
+    ContactLink& operator=(const ContactLink&) = delete;
+
+    // "Neu Anlegen" (create) and "Bearbeiten".
+    void TransferContact(bool create, Session& session, const WindowHooks& hooks);
+    // True when a database object is open on a contact book.
+    bool OpenActDatabase(const WindowHooks& hooks);
+    // "Felder aus ACT! DB laden": fills every row's list from the open book.
+    void LoadFieldList(Session& session, const WindowHooks& hooks);
+    // Releases the kept objects (at shutdown).
+    void ReleaseActObjects();
+
+private:
+    struct Objects;
+    std::shared_ptr<ObjectFactory> m_factory;
+    std::unique_ptr<Objects> m_objects;
+};
+
+// The contact book's path: the explicit file if given (--contacts), else the environment
+// variable ZETTELFISCHER_CONTACTS, else zettelfischer/kontakte.sqlite in the user's data folder.
+QString contactBookPath(const QString& explicitFile = QString());
+
+// The factory that creates the embedded SQLite contact book's objects for that path.
+std::shared_ptr<ObjectFactory> makeContactBookFactory(const QString& bookPath);
+
+} // namespace zf::act

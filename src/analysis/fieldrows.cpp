@@ -1,0 +1,143 @@
+#include "fieldrows.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace zf {
+
+namespace {
+bool nameLess(const QString& a, const QString& b)
+{
+    return QString::compare(a, b, Qt::CaseInsensitive) < 0;
+}
+} // namespace
+
+int FieldList::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : count();
+}
+
+QVariant FieldList::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid() || index.row() >= count())
+        return {};
+    const FieldEntry& e = m_entries[index.row()];
+    if (role == Qt::DisplayRole || role == Qt::EditRole)
+        return e.name;
+    if (role == IdRole)
+        return e.id;
+    return {};
+}
+
+int FieldList::positionOf(qint32 id) const
+{
+    for (int i = 0; i < count(); ++i)
+        if (m_entries[i].id == id)
+            return i;
+    return -1;
+}
+
+int FieldList::add(const QString& name, qint32 id)
+{
+    // upper_bound: a new entry goes behind all entries of an equal name.
+    const auto it = std::upper_bound(m_entries.cbegin(), m_entries.cend(), name,
+                                     [](const QString& n, const FieldEntry& e) {
+                                         return nameLess(n, e.name);
+                                     });
+    const int pos = int(it - m_entries.cbegin());
+    beginInsertRows({}, pos, pos);
+    m_entries.insert(pos, FieldEntry{name, id});
+    endInsertRows();
+    return pos;
+}
+
+void FieldList::clear()
+{
+    beginResetModel();
+    m_entries.clear();
+    endResetModel();
+}
+
+FieldRows::FieldRows(QObject* parent) : QObject(parent)
+{
+    m_selected.fill(-1);
+}
+
+void FieldRows::addField(const QString& name, qint32 id)
+{
+    const int pos = m_fields.add(name, id);
+    for (int row = 0; row < RowCount; ++row)
+        if (m_selected[row] >= pos) {
+            ++m_selected[row];
+            emit selectionChanged(row);
+        }
+}
+
+void FieldRows::clearFields()
+{
+    m_fields.clear();
+    for (int row = 0; row < RowCount; ++row)
+        setSelected(row, -1);
+}
+
+void FieldRows::FillDefaultFieldLists()
+{
+    for (const FieldEntry& e : defaultFieldEntries())
+        addField(e.name, e.id);
+}
+
+void FieldRows::setValue(int row, const QString& value)
+{
+    if (m_values[row] == value)
+        return;
+    m_values[row] = value;
+    emit valueChanged(row);
+}
+
+void FieldRows::setSelected(int row, int pos)
+{
+    if (pos < -1 || pos >= m_fields.count())
+        pos = -1;
+    if (m_selected[row] == pos)
+        return;
+    m_selected[row] = pos;
+    emit selectionChanged(row);
+}
+
+std::optional<qint32> FieldRows::fieldId(int row) const
+{
+    const int pos = m_selected[row];
+    if (pos < 0)
+        return std::nullopt;
+    return m_fields.idAt(pos);
+}
+
+void FieldRows::SelectRowField(int row, qint16 id)
+{
+    const int pos = m_fields.positionOf(id);
+    if (pos >= 0)
+        setSelected(row, pos);
+}
+
+void FieldRows::clearRows()
+{
+    for (int row = 0; row < RowCount; ++row) {
+        setSelected(row, -1);
+        setValue(row, QString());
+    }
+}
+
+const QList<FieldEntry>& defaultFieldEntries()
+{
+    static const QList<FieldEntry> entries{
+        {u"Firma"_s, 25},     {u"Abteilung"_s, 88}, {u"Anrede"_s, 40},    {u"Kontakt"_s, 26},
+        {u"Nachname"_s, 79},  {u"Vorname"_s, 78},   {u"Adresse"_s, 27},   {u"PLZ"_s, 32},
+        {u"Ort"_s, 30},       {u"Land"_s, 33},      {u"Telefon"_s, 35},   {u"Fax"_s, 36},
+        {u"Mobil"_s, 38},     {u"eMail"_s, 200},    {u"Website"_s, 94},   {u"Titel"_s, 46},
+        {u"Adresse 2"_s, 28}, {u"Adresse 3"_s, 29}, {u"Telefon 2"_s, 74}, {u"Telefon 3"_s, 77},
+    };
+    return entries;
+}
+
+} // namespace zf

@@ -1,0 +1,153 @@
+// The "analyse" command of zettelfischer-cli.
+
+#include "cli.h"
+
+#include "analysis/analyser.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+using namespace zf;
+
+QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& o)
+{
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        QString arg = args[i];
+        QString inlineValue;
+        bool hasInlineValue = false;
+        if (arg.startsWith(u"--"_s) && arg.contains(u'=')) {
+            inlineValue = arg.mid(arg.indexOf(u'=') + 1);
+            arg = arg.left(arg.indexOf(u'='));
+            hasInlineValue = true;
+        }
+        const auto takeValue = [&](QString& target) -> bool {
+            if (hasInlineValue) {
+                target = inlineValue;
+                return true;
+            }
+            if (i + 1 >= args.size())
+                return false;
+            target = args[++i];
+            return true;
+        };
+        if (arg == u"--raw"_s && !hasInlineValue) {
+            o.raw = true;
+        } else if (arg == u"--trace"_s && !hasInlineValue) {
+            o.trace = true;
+        } else if (arg == u"--separator"_s) {
+            if (!takeValue(o.separator))
+                return u"--separator needs a value"_s;
+        } else if (arg == u"--ini"_s) {
+            if (!takeValue(o.iniFile) || o.iniFile.isEmpty())
+                return u"--ini needs a file name"_s;
+        } else if (arg == u"--file"_s) {
+            if (!takeValue(o.inputFile) || o.inputFile.isEmpty())
+                return u"--file needs a file name"_s;
+        } else {
+            return u"unknown option '%1'"_s.arg(args[i]);
+        }
+    }
+    if (!o.iniFile.isEmpty() && !QFileInfo(o.iniFile).isFile())
+        return u"settings file '%1' does not exist"_s.arg(o.iniFile);
+    return {};
+}
+
+namespace {
+
+QJsonValue orNull(const std::optional<qint32>& id)
+{
+    return id ? QJsonValue(*id) : QJsonValue(QJsonValue::Null);
+}
+
+QJsonObject toJson(const Session& session, const QJsonArray& messages, bool completed)
+{
+    QJsonArray rows;
+    for (int r = 0; r < FieldRows::RowCount; ++r) {
+        const int pos = session.rows.selected(r);
+        rows.append(QJsonObject{
+            {u"value"_s, session.rows.value(r)},
+            {u"fieldId"_s, orNull(session.rows.fieldId(r))},
+            {u"field"_s, pos < 0 ? QJsonValue(QJsonValue::Null)
+                                 : QJsonValue(session.rows.fields().nameAt(pos))},
+        });
+    }
+    QJsonArray extras;
+    for (const clsZusatzDefs& v : session.state.ExtraFieldValues)
+        extras.append(QJsonObject{{u"id"_s, v.ID}, {u"value"_s, v.Wert}});
+    return QJsonObject{
+        {u"rows"_s, rows},
+        {u"clipText"_s, session.clipText},
+        {u"extraFieldValues"_s, extras},
+        {u"messages"_s, messages},
+        {u"completed"_s, completed},
+    };
+}
+
+QJsonArray linesToJson(const LineList& lines)
+{
+    QJsonArray out;
+    for (const clsZeile& z : lines) {
+        QJsonObject scores;
+        for (const ScoreMember& m : AllScores)
+            scores.insert(QLatin1StringView(m.name), z.*m.member);
+        out.append(QJsonObject{{u"text"_s, z.Text}, {u"scores"_s, scores}});
+    }
+    return out;
+}
+
+} // namespace
+
+int runAnalyse(const QStringList& args)
+{
+    AnalyseOptions o;
+    if (const QString error = parseAnalyseOptions(args, o); !error.isEmpty())
+        return usageError(error);
+
+    QFile input;
+    bool opened = false;
+    if (o.inputFile.isEmpty()) {
+        opened = input.open(stdin, QIODevice::ReadOnly);
+    } else {
+        input.setFileName(o.inputFile);
+        opened = input.open(QIODevice::ReadOnly);
+    }
+    if (!opened || QFileInfo(o.inputFile).isDir())
+        return usageError(u"cannot read '%1': %2"_s.arg(
+            o.inputFile.isEmpty() ? u"standard input"_s : o.inputFile, input.errorString()));
+    const QByteArray bytes = input.readAll();
+    if (input.error() != QFileDevice::NoError)
+        return usageError(u"cannot read '%1': %2"_s.arg(o.inputFile, input.errorString()));
+    const QString text = QString::fromUtf8(bytes);
+
+    Session session;
+    session.rows.FillDefaultFieldLists();
+    session.state.ChosenSeparator = o.separator;
+
+    QJsonArray messages;
+    Seams seams;
+    seams.showMessage = [&messages](const QString& message, int style) {
+        messages.append(QJsonObject{{u"text"_s, message}, {u"style"_s, style}});
+        return style == StyleQuestion ? int(AnswerNo) : int(AnswerOk);
+    };
+    seams.chooseSeparator = [] { return QString(); }; // as if closed without a choice
+
+    AnalysisResult result;
+    if (o.raw) {
+        result = AnalyseText(text, session, seams);
+    } else if (auto fetched = FetchClipboardText(text, session, seams)) {
+        result = std::move(*fetched);
+    }
+
+    QJsonObject out = toJson(session, messages, result.completed);
+    if (o.trace)
+        out.insert(u"lines"_s, linesToJson(result.lines));
+    const QByteArray json = QJsonDocument(out).toJson(QJsonDocument::Indented);
+    std::fwrite(json.constData(), 1, size_t(json.size()), stdout);
+    return 0;
+}

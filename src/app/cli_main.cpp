@@ -1,0 +1,54 @@
+// zettelfischer-cli: the address analysis for scripts and checks, without a window.
+
+#include "cli.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const char* const HelpText =
+    R"(Usage: zettelfischer-cli analyse [--raw] [--separator TEXT] [--ini FILE] [--file FILE] [--trace]
+
+Analyses address text (FILE, else standard input, read as UTF-8) and prints the sixteen
+field rows as one JSON object: rows, clipText, extraFieldValues, messages, completed
+(and with --trace the final line list with every line's scores).
+
+  --raw             analyse the text as typed into the clipboard box (no clipboard fetch:
+                    " . " before line breaks stays, an empty text is analysed as well)
+  --separator TEXT  line separator to use instead of the automatic choice
+  --ini FILE        settings file (default: zettelfischer.ini beside this program)
+  --file FILE       read the text from FILE instead of standard input
+  --trace           also print the line list with all twenty scores per line
+  -h, --help        show this help
+
+Exit status: 0 when the analysis could start, 2 for a usage error or unreadable input.
+)";
+
+} // namespace
+
+int usageError(const QString& message)
+{
+    std::fprintf(stderr, "zettelfischer-cli: %s\n", qPrintable(message));
+    std::fprintf(stderr, "Try 'zettelfischer-cli --help'.\n");
+    return ExitUsage;
+}
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments().mid(1);
+    if (args.contains(u"--help"_s) || args.contains(u"-h"_s)) {
+        std::fputs(HelpText, stdout);
+        return 0;
+    }
+    if (args.isEmpty())
+        return usageError(u"missing command"_s);
+    if (args.first() == u"analyse"_s)
+        return runAnalyse(args.mid(1));
+    return usageError(u"unknown command '%1'"_s.arg(args.first()));
+}
