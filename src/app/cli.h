@@ -1,5 +1,9 @@
 #pragma once
 
+#include "analysis/analyser.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -19,6 +23,20 @@ struct AnalyseOptions {
 
 // Parses the analyse options; returns an error text, or "" when they are fine.
 QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& options);
+
+// One analysis of the command line's input, with the messages it showed.
+struct AnalyseRun {
+    zf::Session session;
+    QJsonArray messages;
+    zf::AnalysisResult result;
+};
+
+// Reads the input and analyses it as the options say; returns an error text, or "".
+QString analyseInput(const AnalyseOptions& options, AnalyseRun& run);
+
+// The analysis output object: rows, clipText, extraFieldValues, messages, completed (lines).
+QJsonObject analysisToJson(const AnalyseRun& run, bool withTrace);
+void printJson(const QJsonObject& object);
 
 // zettelfischer-cli analyse ...
 int runAnalyse(const QStringList& args);

@@ -103,12 +103,8 @@ QJsonArray linesToJson(const LineList& lines)
 
 } // namespace
 
-int runAnalyse(const QStringList& args)
+QString analyseInput(const AnalyseOptions& o, AnalyseRun& run)
 {
-    AnalyseOptions o;
-    if (const QString error = parseAnalyseOptions(args, o); !error.isEmpty())
-        return usageError(error);
-
     QFile input;
     bool opened = false;
     if (o.inputFile.isEmpty()) {
@@ -117,37 +113,55 @@ int runAnalyse(const QStringList& args)
         input.setFileName(o.inputFile);
         opened = input.open(QIODevice::ReadOnly);
     }
+    const QString inputName = o.inputFile.isEmpty() ? u"standard input"_s : o.inputFile;
     if (!opened || QFileInfo(o.inputFile).isDir())
-        return usageError(u"cannot read '%1': %2"_s.arg(
-            o.inputFile.isEmpty() ? u"standard input"_s : o.inputFile, input.errorString()));
+        return u"cannot read '%1': %2"_s.arg(inputName, input.errorString());
     const QByteArray bytes = input.readAll();
     if (input.error() != QFileDevice::NoError)
-        return usageError(u"cannot read '%1': %2"_s.arg(o.inputFile, input.errorString()));
+        return u"cannot read '%1': %2"_s.arg(inputName, input.errorString());
     const QString text = QString::fromUtf8(bytes);
 
-    Session session;
+    Session& session = run.session;
     session.rows.FillDefaultFieldLists();
     session.state.ChosenSeparator = o.separator;
 
-    QJsonArray messages;
     Seams seams;
-    seams.showMessage = [&messages](const QString& message, int style) {
-        messages.append(QJsonObject{{u"text"_s, message}, {u"style"_s, style}});
+    seams.showMessage = [&run](const QString& message, int style) {
+        run.messages.append(QJsonObject{{u"text"_s, message}, {u"style"_s, style}});
         return style == StyleQuestion ? int(AnswerNo) : int(AnswerOk);
     };
     seams.chooseSeparator = [] { return QString(); }; // as if closed without a choice
 
-    AnalysisResult result;
     if (o.raw) {
-        result = AnalyseText(text, session, seams);
+        run.result = AnalyseText(text, session, seams);
     } else if (auto fetched = FetchClipboardText(text, session, seams)) {
-        result = std::move(*fetched);
+        run.result = std::move(*fetched);
     }
+    return {};
+}
 
-    QJsonObject out = toJson(session, messages, result.completed);
-    if (o.trace)
-        out.insert(u"lines"_s, linesToJson(result.lines));
-    const QByteArray json = QJsonDocument(out).toJson(QJsonDocument::Indented);
+QJsonObject analysisToJson(const AnalyseRun& run, bool withTrace)
+{
+    QJsonObject out = toJson(run.session, run.messages, run.result.completed);
+    if (withTrace)
+        out.insert(u"lines"_s, linesToJson(run.result.lines));
+    return out;
+}
+
+void printJson(const QJsonObject& object)
+{
+    const QByteArray json = QJsonDocument(object).toJson(QJsonDocument::Indented);
     std::fwrite(json.constData(), 1, size_t(json.size()), stdout);
+}
+
+int runAnalyse(const QStringList& args)
+{
+    AnalyseOptions o;
+    if (const QString error = parseAnalyseOptions(args, o); !error.isEmpty())
+        return usageError(error);
+    AnalyseRun run;
+    if (const QString error = analyseInput(o, run); !error.isEmpty())
+        return usageError(error);
+    printJson(analysisToJson(run, o.trace));
     return 0;
 }
