@@ -32,8 +32,7 @@ std::optional<AnalysisResult> FetchClipboardText(const QString& clipboard, Sessi
 namespace stage {
 
 // The separator for this run, or nothing when none is found and the user chooses none.
-std::optional<QString> ChooseSeparator(const QString& text, SharedState& state,
-                                       const Seams& seams);
+std::optional<QString> ChooseSeparator(const QString& text, SharedState& state, const Seams& seams);
 // Cuts, cleans and collects the lines; every kept line also goes to clipText.
 void BuildLineList(const QString& text, const QString& separator, LineList& lines,
                    QString& clipText);

@@ -57,8 +57,8 @@ inline const QString NoSeparator =
 inline const QString CreateFailed = QStringLiteral("Kontakt konnte nicht angelegt werden.");
 inline const QString EditFailed = QStringLiteral("Kontakt konnte nicht bearbeitet werden.");
 inline const QString NoData = QStringLiteral("Keine Daten vorhanden.");
-inline const QString MarkOneChar = QStringLiteral(
-    "Sie müssen vorher 1 Zeichen im unteren Fenster mit der Maus markieren.");
+inline const QString MarkOneChar =
+    QStringLiteral("Sie müssen vorher 1 Zeichen im unteren Fenster mit der Maus markieren.");
 inline const QString UpdateConfirm =
     QStringLiteral("Nach dem Start des Online-Update Programms wird der Zettelfischer "
                    "geschlossen. Trotzdem weiter?");
