@@ -34,19 +34,22 @@ struct Probe {
     bool contains(const QStringList& upperWords) const
     {
         for (const QString& w : upperWords)
-            if (upper.contains(w)) return true;
+            if (upper.contains(w))
+                return true;
         return false;
     }
     bool startsWith(const QStringList& upperWords) const
     {
         for (const QString& w : upperWords)
-            if (upper.startsWith(w)) return true;
+            if (upper.startsWith(w))
+                return true;
         return false;
     }
     bool endsWith(const QStringList& upperWords) const
     {
         for (const QString& w : upperWords)
-            if (upper.endsWith(w)) return true;
+            if (upper.endsWith(w))
+                return true;
         return false;
     }
 };
@@ -80,13 +83,17 @@ namespace stage {
 
 std::optional<QString> ChooseSeparator(const QString& text, SharedState& state, const Seams& seams)
 {
-    if (!state.ChosenSeparator.isEmpty()) return state.ChosenSeparator;
+    if (!state.ChosenSeparator.isEmpty())
+        return state.ChosenSeparator;
     static const QStringList candidates{u"\r\n"_s, u"\n"_s, u"\t"_s, u";"_s, u"#"_s};
     for (const QString& c : candidates)
-        if (text.contains(c)) return c;
-    if (seams.showMessage) seams.showMessage(msg::NoSeparator, StyleExclamation);
+        if (text.contains(c))
+            return c;
+    if (seams.showMessage)
+        seams.showMessage(msg::NoSeparator, StyleExclamation);
     state.ChosenSeparator = seams.chooseSeparator ? seams.chooseSeparator() : QString();
-    if (state.ChosenSeparator.isEmpty()) return std::nullopt;
+    if (state.ChosenSeparator.isEmpty())
+        return std::nullopt;
     return state.ChosenSeparator;
 }
 
@@ -104,7 +111,8 @@ void BuildLineList(const QString& text, const QString& separator, LineList& line
     // The last piece is the empty rest behind the appended separator.
     for (qsizetype p = 0; p + 1 < pieces.size(); ++p) {
         QString line = Trim(CollapseBlanks(pieces[p]));
-        if (line.isEmpty()) continue;
+        if (line.isEmpty())
+            continue;
 
         if (line.startsWith(headStart) && line.endsWith(headEnd)) {
             // The markers may share their blank ("Details der schließen"): no name then.
@@ -134,7 +142,8 @@ void TakeExtraDefinitionLines(LineList& lines, SharedState& state)
     state.ExtraFieldValues.clear();
     for (const clsZusatzDefs& def : state.ExtraDefinitions) {
         for (auto it = lines.begin(); it != lines.end(); ++it) {
-            if (!it->Text.startsWith(def.Wert)) continue;
+            if (!it->Text.startsWith(def.Wert))
+                continue;
             state.ExtraFieldValues.append(
                 clsZusatzDefs{def.ID, Trim(QStringView(it->Text).mid(def.Wert.size()))});
             lines.erase(it);
@@ -167,7 +176,8 @@ void RecogniseCountryPostcodes(LineList& lines)
             if (copy.startsWith(c.spacedPrefix))
                 copy = copy.left(c.normalisedChars).remove(u' ') + copy.mid(c.normalisedChars);
             const QString upper = Trim(UpperEach(copy));
-            if (!upper.startsWith(c.letters) || CountDigits(Left(upper, 7)) != c.digits) continue;
+            if (!upper.startsWith(c.letters) || CountDigits(Left(upper, 7)) != c.digits)
+                continue;
 
             qsizetype firstDigit = 0;
             while (firstDigit < copy.size() &&
@@ -210,7 +220,8 @@ void ScoreLabelsAndPosition(clsZeile& z, int pos)
         bool hit = false;
         for (const QString& label : g.labels)
             hit = hit || StartsWith(w, label);
-        if (!hit) continue;
+        if (!hit)
+            continue;
         w = w.mid(w.indexOf(u':') + 1);
         for (const auto& [member, points] : g.points)
             addChecked(z.*member, points);
@@ -225,7 +236,8 @@ void ScoreLabelsAndPosition(clsZeile& z, int pos)
         addChecked(z.Firma, 3);
         addChecked(z.Kontakt, 4);
     }
-    if (pos >= 3 && pos <= 5) addChecked(z.Adresse, 3);
+    if (pos >= 3 && pos <= 5)
+        addChecked(z.Adresse, 3);
     if (pos == 4 || pos == 5) {
         addChecked(z.Ort, 2);
         addChecked(z.PLZ, 1);
@@ -290,17 +302,21 @@ void ScoreKeywords(LineList& lines, LineList::iterator cur, int pos, PassFlags& 
         addChecked(z.Firma, 1);
     if (pos > 3) { // rule 3: behind a short number (a split-off postcode) comes the city
         const QString& p = std::prev(cur)->Text;
-        if (p.size() < 6 && CountDigits(p) > 3 && d <= 5) addChecked(z.Ort, 10);
+        if (p.size() < 6 && CountDigits(p) > 3 && d <= 5)
+            addChecked(z.Ort, 10);
     }
     if (pos < n) { // rule 4: the same in front of one
         const QString& q = std::next(cur)->Text;
-        if (q.size() < 6 && CountDigits(q) > 3 && d <= 5) addChecked(z.Ort, 10);
+        if (q.size() < 6 && CountDigits(q) > 3 && d <= 5)
+            addChecked(z.Ort, 10);
     }
     const Probe padded(u' ' + z.Text + u' ');
     if (w.contains(companySigns) || padded.contains(legalForms)) { // rule 5
         addChecked(z.Firma, 3);
-        if (pos == 2) addChecked(lines.front().Kontakt, 1);
-        if (pos == 1 && n > 1) addChecked(std::next(lines.begin())->Kontakt, 1);
+        if (pos == 2)
+            addChecked(lines.front().Kontakt, 1);
+        if (pos == 1 && n > 1)
+            addChecked(std::next(lines.begin())->Kontakt, 1);
     }
     if (w.contains(countryWords)) // rule 6
         addChecked(z.Land, 6);
@@ -311,7 +327,8 @@ void ScoreKeywords(LineList& lines, LineList::iterator cur, int pos, PassFlags& 
         if (w.text.size() > 4 && !w.endsWith(closingTitles)) {
             addChecked(z.Kontakt, 11); // salutation and name on one line
         } else {
-            if (pos + 1 <= n) addChecked(std::next(cur)->Kontakt, 10);
+            if (pos + 1 <= n)
+                addChecked(std::next(cur)->Kontakt, 10);
             addChecked(z.Anrede, 3);
         }
     }
@@ -357,17 +374,20 @@ void ScoreKeywords(LineList& lines, LineList::iterator cur, int pos, PassFlags& 
         addChecked(z.Postfach, 3);
     }
     if (d >= 1 && d <= 5) { // rule 20
-        if (d <= 3) addChecked(z.Adresse, 1);
+        if (d <= 3)
+            addChecked(z.Adresse, 1);
         addChecked(z.Adresse, 3);
         addChecked(z.Postfach, 3);
-        if (d == 4) addChecked(z.PLZ, 2);
+        if (d == 4)
+            addChecked(z.PLZ, 2);
         addChecked(z.PLZ, 3);
         addChecked(z.Firma, 2);
         addChecked(z.EMail, 1);
     }
     if (w.text.size() >= 4 && d <= 6) { // rule 21: split a leading postcode from its city
         for (const qsizetype len : {5, 4}) {
-            if (CountDigits(Left(w.text, len)) != len) continue;
+            if (CountDigits(Left(w.text, len)) != len)
+                continue;
             addChecked(z.PLZ, 8);
             if (w.text.size() > len) {
                 clsZeile city = makeRecord(Trim(Mid(w.text, len + 1)));
@@ -450,7 +470,8 @@ void AssembleRows(LineList& lines, FieldRows& rows, const SharedState& state)
 
     int row = 0;
     for (const clsZeile& z : lines) {
-        if (row >= FieldRows::RowCount) break;
+        if (row >= FieldRows::RowCount)
+            break;
         const Choice* best = nullptr;
         int bestScore = -1;
         for (const Choice& c : order)
@@ -481,7 +502,8 @@ void AssembleRows(LineList& lines, FieldRows& rows, const SharedState& state)
         case Country: {
             countryMissing = false;
             QString country = replaceGermany(value);
-            if (Trim(country).isEmpty()) country = state.StandardLand5PLZ;
+            if (Trim(country).isEmpty())
+                country = state.StandardLand5PLZ;
             rows.setValue(row, country);
             rows.SelectRowField(row, best->id);
             break;
@@ -505,7 +527,8 @@ AnalysisResult AnalyseText(const QString& text, Session& session, const Seams& s
     try {
         session.rows.clearRows();
         const std::optional<QString> separator = stage::ChooseSeparator(text, session.state, seams);
-        if (!separator) return result;
+        if (!separator)
+            return result;
         stage::BuildLineList(text, *separator, result.lines, session.clipText);
         if (session.state.ExtraDefinitionsLoaded)
             stage::TakeExtraDefinitionLines(result.lines, session.state);
@@ -533,7 +556,8 @@ std::optional<AnalysisResult> FetchClipboardText(const QString& clipboard, Sessi
     session.state.ClipboardText = clipboard;
     const QString prepared = PrepareClipboardText(clipboard);
     if (Trim(prepared).isEmpty()) {
-        if (!silent && seams.showMessage) seams.showMessage(msg::ClipboardEmpty, StyleInformation);
+        if (!silent && seams.showMessage)
+            seams.showMessage(msg::ClipboardEmpty, StyleInformation);
         return std::nullopt;
     }
     return AnalyseText(prepared, session, seams);

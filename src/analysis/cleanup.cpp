@@ -35,7 +35,8 @@ QString ExtractEMailAddress(QStringView text)
 QString ExtractWebAddress(QStringView text)
 {
     const qsizetype www = text.lastIndexOf(u"www"_s);
-    if (www >= 0) return cutAround(text, www);
+    if (www >= 0)
+        return cutAround(text, www);
     const QString http = u"http://"_s;
     const qsizetype h = text.lastIndexOf(http);
     return h < 0 ? text.toString() : text.mid(h + http.size()).toString();
@@ -47,8 +48,10 @@ QString CleanPhoneNumber(QStringView text)
     QString kept;
     kept.reserve(text.size());
     for (QChar c : text)
-        if (phoneChars.contains(c)) kept.append(c);
-    if (kept.isEmpty()) return text.toString();
+        if (phoneChars.contains(c))
+            kept.append(c);
+    if (kept.isEmpty())
+        return text.toString();
     return kept.remove(u"+49"_s);
 }
 

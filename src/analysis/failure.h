@@ -17,7 +17,8 @@ public:
 inline void addChecked(qint16& target, int amount)
 {
     const int sum = int(target) + amount;
-    if (sum > 32767 || sum < -32768) throw AnalysisFailure("16-bit overflow");
+    if (sum > 32767 || sum < -32768)
+        throw AnalysisFailure("16-bit overflow");
     target = qint16(sum);
 }
 

@@ -20,17 +20,21 @@ int FieldList::rowCount(const QModelIndex& parent) const
 
 QVariant FieldList::data(const QModelIndex& index, int role) const
 {
-    if (!index.isValid() || index.row() >= count()) return {};
+    if (!index.isValid() || index.row() >= count())
+        return {};
     const FieldEntry& e = m_entries[index.row()];
-    if (role == Qt::DisplayRole || role == Qt::EditRole) return e.name;
-    if (role == IdRole) return e.id;
+    if (role == Qt::DisplayRole || role == Qt::EditRole)
+        return e.name;
+    if (role == IdRole)
+        return e.id;
     return {};
 }
 
 int FieldList::positionOf(qint32 id) const
 {
     for (int i = 0; i < count(); ++i)
-        if (m_entries[i].id == id) return i;
+        if (m_entries[i].id == id)
+            return i;
     return -1;
 }
 
@@ -84,15 +88,18 @@ void FieldRows::FillDefaultFieldLists()
 
 void FieldRows::setValue(int row, const QString& value)
 {
-    if (m_values[row] == value) return;
+    if (m_values[row] == value)
+        return;
     m_values[row] = value;
     emit valueChanged(row);
 }
 
 void FieldRows::setSelected(int row, int pos)
 {
-    if (pos < -1 || pos >= m_fields.count()) pos = -1;
-    if (m_selected[row] == pos) return;
+    if (pos < -1 || pos >= m_fields.count())
+        pos = -1;
+    if (m_selected[row] == pos)
+        return;
     m_selected[row] = pos;
     emit selectionChanged(row);
 }
@@ -100,14 +107,16 @@ void FieldRows::setSelected(int row, int pos)
 std::optional<qint32> FieldRows::fieldId(int row) const
 {
     const int pos = m_selected[row];
-    if (pos < 0) return std::nullopt;
+    if (pos < 0)
+        return std::nullopt;
     return m_fields.idAt(pos);
 }
 
 void FieldRows::SelectRowField(int row, qint16 id)
 {
     const int pos = m_fields.positionOf(id);
-    if (pos >= 0) setSelected(row, pos);
+    if (pos >= 0)
+        setSelected(row, pos);
 }
 
 void FieldRows::clearRows()

@@ -26,10 +26,12 @@ QString UpperEach(QStringView s)
 
 qint16 CountDigits(QStringView s)
 {
-    if (s.size() > MaxHelperTextLength) throw AnalysisFailure("CountDigits: text too long");
+    if (s.size() > MaxHelperTextLength)
+        throw AnalysisFailure("CountDigits: text too long");
     qint16 n = 0;
     for (QChar c : s)
-        if (c >= u'0' && c <= u'9') ++n;
+        if (c >= u'0' && c <= u'9')
+            ++n;
     return n;
 }
 
@@ -42,7 +44,8 @@ namespace {
 bool equalUpper(QStringView a, QStringView b)
 {
     for (qsizetype i = 0; i < a.size(); ++i)
-        if (a[i].toUpper() != b[i].toUpper()) return false;
+        if (a[i].toUpper() != b[i].toUpper())
+            return false;
     return true;
 }
 } // namespace
@@ -59,11 +62,13 @@ bool EndsWith(QStringView s, QStringView suffix)
 
 QString StripControlChars(QStringView s)
 {
-    if (s.size() > MaxHelperTextLength) throw AnalysisFailure("StripControlChars: text too long");
+    if (s.size() > MaxHelperTextLength)
+        throw AnalysisFailure("StripControlChars: text too long");
     QString out;
     out.reserve(s.size());
     for (QChar c : s)
-        if (c.unicode() > 30) out.append(c);
+        if (c.unicode() > 30)
+            out.append(c);
     return out;
 }
 
@@ -72,7 +77,8 @@ QString CollapseBlanks(QStringView s)
     QString out;
     out.reserve(s.size());
     for (qsizetype i = 0; i < s.size(); ++i)
-        if (s[i] != u' ' || i == 0 || s[i - 1] != u' ') out.append(s[i]);
+        if (s[i] != u' ' || i == 0 || s[i - 1] != u' ')
+            out.append(s[i]);
     return out;
 }
 

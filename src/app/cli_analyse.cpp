@@ -31,7 +31,8 @@ QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& o)
                 target = inlineValue;
                 return true;
             }
-            if (i + 1 >= args.size()) return false;
+            if (i + 1 >= args.size())
+                return false;
             target = args[++i];
             return true;
         };
@@ -40,9 +41,11 @@ QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& o)
         } else if (arg == u"--trace"_s && !hasInlineValue) {
             o.trace = true;
         } else if (arg == u"--separator"_s) {
-            if (!takeValue(o.separator)) return u"--separator needs a value"_s;
+            if (!takeValue(o.separator))
+                return u"--separator needs a value"_s;
         } else if (arg == u"--ini"_s) {
-            if (!takeValue(o.iniFile) || o.iniFile.isEmpty()) return u"--ini needs a file name"_s;
+            if (!takeValue(o.iniFile) || o.iniFile.isEmpty())
+                return u"--ini needs a file name"_s;
         } else if (arg == u"--file"_s) {
             if (!takeValue(o.inputFile) || o.inputFile.isEmpty())
                 return u"--file needs a file name"_s;
@@ -140,7 +143,8 @@ QString analyseInput(const AnalyseOptions& o, AnalyseRun& run)
 QJsonObject analysisToJson(const AnalyseRun& run, bool withTrace)
 {
     QJsonObject out = toJson(run.session, run.messages, run.result.completed);
-    if (withTrace) out.insert(u"lines"_s, linesToJson(run.result.lines));
+    if (withTrace)
+        out.insert(u"lines"_s, linesToJson(run.result.lines));
     return out;
 }
 
@@ -156,7 +160,8 @@ int runAnalyse(const QStringList& args)
     if (const QString error = parseAnalyseOptions(args, o); !error.isEmpty())
         return usageError(error);
     AnalyseRun run;
-    if (const QString error = analyseInput(o, run); !error.isEmpty()) return usageError(error);
+    if (const QString error = analyseInput(o, run); !error.isEmpty())
+        return usageError(error);
     printJson(analysisToJson(run, o.trace));
     return 0;
 }

@@ -46,7 +46,9 @@ int main(int argc, char** argv)
         std::fputs(HelpText, stdout);
         return 0;
     }
-    if (args.isEmpty()) return usageError(u"missing command"_s);
-    if (args.first() == u"analyse"_s) return runAnalyse(args.mid(1));
+    if (args.isEmpty())
+        return usageError(u"missing command"_s);
+    if (args.first() == u"analyse"_s)
+        return runAnalyse(args.mid(1));
     return usageError(u"unknown command '%1'"_s.arg(args.first()));
 }

@@ -21,6 +21,7 @@ inline QString scoreMismatch(const zf::clsZeile& z, const QString& expected)
         if (have != should)
             return QStringLiteral("%1 is %2, expected %3").arg(name).arg(have).arg(should);
     }
-    if (!want.isEmpty()) return QStringLiteral("unknown score %1").arg(want.firstKey());
+    if (!want.isEmpty())
+        return QStringLiteral("unknown score %1").arg(want.firstKey());
     return {};
 }

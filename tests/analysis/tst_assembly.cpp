@@ -15,7 +15,8 @@ clsZeile record(const QString& spec)
     for (const QString& item : spec.mid(bar + 1).split(u' ', Qt::SkipEmptyParts)) {
         const QStringList kv = item.split(u'=');
         for (const ScoreMember& m : AllScores)
-            if (QString::fromLatin1(m.name) == kv[0]) z.*m.member = qint16(kv[1].toInt());
+            if (QString::fromLatin1(m.name) == kv[0])
+                z.*m.member = qint16(kv[1].toInt());
     }
     return z;
 }

@@ -199,7 +199,8 @@ private slots:
         for (const clsZeile& z : lines)
             got.append(z.Text);
         QCOMPARE(got, after);
-        if (after.size() == 2) QCOMPARE(scoreMismatch(lines.back(), u"Ort=11"_s), QString());
+        if (after.size() == 2)
+            QCOMPARE(scoreMismatch(lines.back(), u"Ort=11"_s), QString());
     }
 
     // The whole pass: inserted city lines are scored in their turn, with the neighbour bonus.

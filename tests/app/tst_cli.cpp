@@ -24,7 +24,8 @@ Run runCli(const QStringList& args, const QByteArray& input = {})
     p.start(QStringLiteral(ZF_CLI_PATH), args);
     p.write(input);
     p.closeWriteChannel();
-    if (!p.waitForFinished(30000)) p.kill();
+    if (!p.waitForFinished(30000))
+        p.kill();
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
             p.readAllStandardError()};
 }
