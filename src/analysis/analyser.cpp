@@ -34,7 +34,7 @@ struct Probe {
     bool contains(const QStringList& upperWords) const
     {
         for (const QString& w : upperWords)
-            if (upper.contains(w))
+            if (ContainsExact(upper, w))
                 return true;
         return false;
     }
@@ -172,11 +172,16 @@ void RecogniseCountryPostcodes(LineList& lines)
         qint16 pos = 0;
         for (auto it = lines.begin(); std::size_t(pos) < count; ++it) {
             addChecked(pos, 1);
+            // Only a line with the spaced prefix needs a normalised copy.
             QString copy = it->Text;
             if (copy.startsWith(c.spacedPrefix))
                 copy = copy.left(c.normalisedChars).remove(u' ') + copy.mid(c.normalisedChars);
-            const QString upper = Trim(UpperEach(copy));
-            if (!upper.startsWith(c.letters) || CountDigits(Left(upper, 7)) != c.digits)
+            // Upper-casing and trimming the copy matter only for its first letters, and
+            // digits are the same in either case.
+            QStringView trimmed(copy);
+            while (!trimmed.isEmpty() && trimmed.front() == u' ')
+                trimmed = trimmed.mid(1);
+            if (!StartsWith(trimmed, c.letters) || CountDigits(trimmed.left(7)) != c.digits)
                 continue;
 
             qsizetype firstDigit = 0;

@@ -2,6 +2,8 @@
 
 #include "failure.h"
 
+#include <string_view>
+
 namespace zf {
 
 QString Trim(QStringView s)
@@ -20,8 +22,18 @@ QString UpperEach(QStringView s)
     QString out(s.size(), Qt::Uninitialized);
     QChar* d = out.data();
     for (qsizetype i = 0; i < s.size(); ++i)
-        d[i] = s[i].toUpper();
+        d[i] = UpperChar(s[i]);
     return out;
+}
+
+bool ContainsExact(QStringView haystack, QStringView needle)
+{
+    // Keywords are a few characters long: a plain search beats the library's set-up cost.
+    const std::u16string_view h(reinterpret_cast<const char16_t*>(haystack.utf16()),
+                                std::size_t(haystack.size()));
+    const std::u16string_view n(reinterpret_cast<const char16_t*>(needle.utf16()),
+                                std::size_t(needle.size()));
+    return h.find(n) != std::u16string_view::npos;
 }
 
 qint16 CountDigits(QStringView s)
@@ -37,14 +49,14 @@ qint16 CountDigits(QStringView s)
 
 bool Contains(QStringView s, QStringView part)
 {
-    return UpperEach(s).contains(UpperEach(part));
+    return ContainsExact(UpperEach(s), UpperEach(part));
 }
 
 namespace {
 bool equalUpper(QStringView a, QStringView b)
 {
     for (qsizetype i = 0; i < a.size(); ++i)
-        if (a[i].toUpper() != b[i].toUpper())
+        if (UpperChar(a[i]) != UpperChar(b[i]))
             return false;
     return true;
 }
@@ -64,21 +76,23 @@ QString StripControlChars(QStringView s)
 {
     if (s.size() > MaxHelperTextLength)
         throw AnalysisFailure("StripControlChars: text too long");
-    QString out;
-    out.reserve(s.size());
+    QString out(s.size(), Qt::Uninitialized);
+    QChar* d = out.data();
     for (QChar c : s)
         if (c.unicode() > 30)
-            out.append(c);
+            *d++ = c;
+    out.truncate(d - out.constData());
     return out;
 }
 
 QString CollapseBlanks(QStringView s)
 {
-    QString out;
-    out.reserve(s.size());
+    QString out(s.size(), Qt::Uninitialized);
+    QChar* d = out.data();
     for (qsizetype i = 0; i < s.size(); ++i)
         if (s[i] != u' ' || i == 0 || s[i - 1] != u' ')
-            out.append(s[i]);
+            *d++ = s[i];
+    out.truncate(d - out.constData());
     return out;
 }
 

@@ -8,6 +8,15 @@ namespace zf {
 // Removes leading and trailing blanks (code 32) only; tabs and other white space stay.
 QString Trim(QStringView s);
 
+// Upper-cases one UTF-16 unit; ASCII without the table look-up.
+inline QChar UpperChar(QChar c)
+{
+    const char16_t u = c.unicode();
+    if (u < 0x80)
+        return (u >= u'a' && u <= u'z') ? QChar(char16_t(u - 32)) : c;
+    return c.toUpper();
+}
+
 // Upper-cases each UTF-16 unit on its own, so lengths never change ("ß" stays "ß").
 QString UpperEach(QStringView s);
 
@@ -16,6 +25,8 @@ qint16 CountDigits(QStringView s);
 
 // Case-insensitive tests: both sides upper-cased character by character, then compared exactly.
 bool Contains(QStringView s, QStringView part);
+// Exact substring test (both sides already upper-cased where case must not matter).
+bool ContainsExact(QStringView haystack, QStringView needle);
 bool StartsWith(QStringView s, QStringView prefix);
 bool EndsWith(QStringView s, QStringView suffix);
 
