@@ -1,5 +1,6 @@
 #pragma once
 
+#include "act/automation.h"
 #include "analysis/session.h"
 
 #include <QString>
@@ -23,8 +24,6 @@ struct WindowHooks {
     std::function<void()> focusMainWindow;
 };
 
-class ObjectFactory;
-
 // The program's side of the contact manager: the objects it keeps for the whole run, the
 // contact transfer and the field-list loading.
 class ContactLink {
@@ -43,10 +42,20 @@ public:
     // Releases the kept objects (at shutdown).
     void ReleaseActObjects();
 
+    // The completion prompt's hand-over: its answer (0 none, 1 leave, 2 back) and the mode of
+    // the transfer that opened it.
+    quint8 CompletionChoice() const { return m_completionChoice; }
+    bool LastTransferCreated() const { return m_lastTransferCreated; }
+    // Why the last failed call failed, for logs and the command line; "" after a success.
+    const QString& lastError() const { return m_lastError; }
+
 private:
     struct Objects;
     std::shared_ptr<ObjectFactory> m_factory;
     std::unique_ptr<Objects> m_objects;
+    quint8 m_completionChoice = 0;
+    bool m_lastTransferCreated = false;
+    QString m_lastError;
 };
 
 // The contact book's path: the explicit file if given (--contacts), else the environment

@@ -1,0 +1,402 @@
+#include "contactbook.h"
+
+#include "analysis/fieldrows.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <functional>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace zf::act {
+
+namespace {
+
+// Long enough for the other program's longest write; a transfer never holds a lock longer.
+constexpr int BusyTimeoutMs = 10000;
+
+const char* const SchemaSql = R"(
+CREATE TABLE fields (
+    position INTEGER PRIMARY KEY,
+    id INTEGER NOT NULL UNIQUE,
+    label TEXT NOT NULL DEFAULT ''
+);
+CREATE TABLE contacts (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    created TEXT NOT NULL DEFAULT (strftime('%Y-%m-%dT%H:%M:%SZ', 'now')),
+    modified TEXT NOT NULL DEFAULT (strftime('%Y-%m-%dT%H:%M:%SZ', 'now'))
+);
+CREATE TABLE contact_values (
+    contact_id INTEGER NOT NULL REFERENCES contacts(id) ON DELETE CASCADE,
+    field_id INTEGER NOT NULL REFERENCES fields(id),
+    value TEXT NOT NULL,
+    PRIMARY KEY (contact_id, field_id)
+) WITHOUT ROWID;
+CREATE TABLE state (
+    key TEXT PRIMARY KEY,
+    value
+) WITHOUT ROWID;
+)";
+
+} // namespace
+
+class ContactBook::Statement {
+public:
+    Statement(ContactBook& book, const char* sql) : m_book(book)
+    {
+        const int rc = sqlite3_prepare_v2(book.m_db, sql, -1, &m_stmt, nullptr);
+        if (rc != SQLITE_OK) {
+            sqlite3_finalize(m_stmt);
+            book.fail(rc, u"read"_s);
+        }
+    }
+    ~Statement() { sqlite3_finalize(m_stmt); }
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    Statement& bind(int index, qint64 value)
+    {
+        check(sqlite3_bind_int64(m_stmt, index, value));
+        return *this;
+    }
+    Statement& bind(int index, const QString& value)
+    {
+        const QByteArray utf8 = value.toUtf8();
+        check(
+            sqlite3_bind_text(m_stmt, index, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT));
+        return *this;
+    }
+    // True while there is a row.
+    bool step()
+    {
+        const int rc = sqlite3_step(m_stmt);
+        if (rc == SQLITE_ROW)
+            return true;
+        if (rc == SQLITE_DONE)
+            return false;
+        m_book.fail(rc, u"use"_s);
+    }
+    void run()
+    {
+        while (step()) {
+        }
+    }
+    qint64 integer(int column) { return sqlite3_column_int64(m_stmt, column); }
+    bool isNull(int column) { return sqlite3_column_type(m_stmt, column) == SQLITE_NULL; }
+    QString text(int column)
+    {
+        const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(m_stmt, column));
+        return QString::fromUtf8(data, sqlite3_column_bytes(m_stmt, column));
+    }
+
+private:
+    void check(int rc)
+    {
+        if (rc != SQLITE_OK)
+            m_book.fail(rc, u"use"_s);
+    }
+    ContactBook& m_book;
+    sqlite3_stmt* m_stmt = nullptr;
+};
+
+namespace {
+
+// BEGIN IMMEDIATE takes the write lock up front, so a busy book waits here instead of
+// failing half-way; anything not committed is rolled back.
+class Transaction {
+public:
+    explicit Transaction(const std::function<void(const char*)>& exec) : m_exec(exec)
+    {
+        m_exec("BEGIN IMMEDIATE");
+    }
+    ~Transaction()
+    {
+        if (!m_done) {
+            try {
+                m_exec("ROLLBACK");
+            } catch (const BookError&) { // already rolled back by the failure
+            }
+        }
+    }
+    void commit()
+    {
+        m_exec("COMMIT");
+        m_done = true;
+    }
+
+private:
+    std::function<void(const char*)> m_exec;
+    bool m_done = false;
+};
+
+} // namespace
+
+ContactBook::ContactBook(const QString& path) : m_path(path)
+{
+    if (path.isEmpty())
+        throw BookError(BookError::CannotOpen, u"no contact book file given"_s);
+    const QFileInfo info(path);
+    const bool exists = info.exists();
+    if (exists && !info.isFile())
+        throw BookError(BookError::NotABook,
+                        u"'%1' is not a contact book (not a file)"_s.arg(path));
+    if (!exists && !QDir().mkpath(info.absolutePath()))
+        throw BookError(BookError::CannotOpen,
+                        u"cannot create the folder of the contact book '%1'"_s.arg(path));
+    const int flags = SQLITE_OPEN_READWRITE | (exists ? 0 : SQLITE_OPEN_CREATE);
+    const int rc = sqlite3_open_v2(QFile::encodeName(path).constData(), &m_db, flags, nullptr);
+    if (rc != SQLITE_OK) {
+        const QString reason = m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : QString();
+        sqlite3_close(m_db);
+        m_db = nullptr;
+        throw BookError(BookError::CannotOpen,
+                        (exists ? u"cannot open the contact book '%1': %2"_s
+                                : u"cannot create the contact book '%1': %2"_s)
+                            .arg(path, reason));
+    }
+    try {
+        sqlite3_extended_result_codes(m_db, 1);
+        sqlite3_busy_timeout(m_db, BusyTimeoutMs);
+        // A write-protected file is opened read-only without a word; refuse it here.
+        if (sqlite3_db_readonly(m_db, "main") == 1)
+            throw BookError(BookError::ReadOnly, u"the contact book '%1' is read-only"_s.arg(path));
+        checkFormat();
+        // WAL lets a reader and a writer work at once; FULL makes every commit durable.
+        exec("PRAGMA journal_mode=WAL");
+        exec("PRAGMA synchronous=FULL");
+        exec("PRAGMA foreign_keys=ON");
+    } catch (...) {
+        sqlite3_close(m_db);
+        m_db = nullptr;
+        throw;
+    }
+}
+
+ContactBook::~ContactBook()
+{
+    sqlite3_close(m_db);
+}
+
+void ContactBook::exec(const char* sql)
+{
+    char* error = nullptr;
+    const int rc = sqlite3_exec(m_db, sql, nullptr, nullptr, &error);
+    sqlite3_free(error);
+    if (rc != SQLITE_OK)
+        fail(rc, u"use"_s);
+}
+
+void ContactBook::fail(int rc, const QString& doing)
+{
+    const QString reason = QString::fromUtf8(sqlite3_errmsg(m_db));
+    switch (rc & 0xff) {
+    case SQLITE_NOTADB:
+        throw BookError(BookError::NotABook,
+                        u"'%1' is not a contact book (not a database)"_s.arg(m_path));
+    case SQLITE_CORRUPT:
+        throw BookError(BookError::Damaged,
+                        u"the contact book '%1' is damaged: %2"_s.arg(m_path, reason));
+    case SQLITE_READONLY:
+        throw BookError(BookError::ReadOnly,
+                        u"the contact book '%1' cannot be written: %2"_s.arg(m_path, reason));
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        throw BookError(BookError::Busy,
+                        u"the contact book '%1' is locked by another program"_s.arg(m_path));
+    case SQLITE_CANTOPEN:
+        throw BookError(BookError::CannotOpen,
+                        u"cannot open the contact book '%1' (is its folder writable?): %2"_s.arg(
+                            m_path, reason));
+    default:
+        throw BookError(BookError::CannotOpen,
+                        u"cannot %1 the contact book '%2': %3"_s.arg(doing, m_path, reason));
+    }
+}
+
+void ContactBook::checkFormat()
+{
+    for (int attempt = 0;; ++attempt) {
+        Statement appId(*this, "PRAGMA application_id");
+        appId.step();
+        Statement version(*this, "PRAGMA user_version");
+        version.step();
+        Statement objects(*this, "SELECT count(*) FROM sqlite_schema");
+        objects.step();
+        const qint64 id = appId.integer(0);
+        const qint64 schema = version.integer(0);
+        if (id == ApplicationId) {
+            if (schema > SchemaVersion)
+                throw BookError(BookError::NewerVersion,
+                                u"the contact book '%1' was written by a newer version "
+                                u"(schema %2, this program knows %3)"_s.arg(m_path)
+                                    .arg(schema)
+                                    .arg(SchemaVersion));
+            if (schema < 1)
+                throw BookError(BookError::Damaged,
+                                u"the contact book '%1' has no schema version"_s.arg(m_path));
+            // Migrations of older schema versions go here.
+            return;
+        }
+        if (id == 0 && schema == 0 && objects.integer(0) == 0 && attempt == 0) {
+            createSchema();
+            continue;
+        }
+        throw BookError(BookError::NotABook, u"'%1' is not a contact book"_s.arg(m_path));
+    }
+}
+
+void ContactBook::createSchema()
+{
+    Transaction transaction([this](const char* sql) { exec(sql); });
+    {
+        // Another program may have created it while this one waited for the lock.
+        Statement objects(*this, "SELECT count(*) FROM sqlite_schema");
+        objects.step();
+        if (objects.integer(0) != 0) {
+            transaction.commit();
+            return;
+        }
+    }
+    exec(SchemaSql);
+    for (const FieldEntry& e : defaultFieldEntries()) {
+        Statement insert(*this, "INSERT INTO fields (id, label) VALUES (?, ?)");
+        insert.bind(1, e.id).bind(2, e.name).run();
+    }
+    exec(QByteArray("PRAGMA application_id = " + QByteArray::number(ApplicationId)).constData());
+    exec(QByteArray("PRAGMA user_version = " + QByteArray::number(SchemaVersion)).constData());
+    transaction.commit();
+}
+
+qint64 ContactBook::addContact()
+{
+    Transaction transaction([this](const char* sql) { exec(sql); });
+    Statement(*this, "INSERT INTO contacts DEFAULT VALUES").run();
+    const qint64 id = sqlite3_last_insert_rowid(m_db);
+    Statement(*this, "INSERT OR REPLACE INTO state (key, value) VALUES ('current_contact', ?)")
+        .bind(1, id)
+        .run();
+    transaction.commit();
+    return id;
+}
+
+void ContactBook::setField(qint64 contactId, qint32 fieldId, const QString& value)
+{
+    Transaction transaction([this](const char* sql) { exec(sql); });
+    if (!hasContact(contactId))
+        throw BookError(BookError::NotFound, u"there is no contact %1"_s.arg(contactId));
+    if (!fieldLabel(fieldId))
+        throw BookError(BookError::NotFound, u"the contact book has no field %1"_s.arg(fieldId));
+    Statement(*this, "INSERT INTO contact_values (contact_id, field_id, value) VALUES (?, ?, ?) "
+                     "ON CONFLICT (contact_id, field_id) DO UPDATE SET value = excluded.value")
+        .bind(1, contactId)
+        .bind(2, fieldId)
+        .bind(3, value)
+        .run();
+    Statement(*this, "UPDATE contacts SET modified = strftime('%Y-%m-%dT%H:%M:%SZ', 'now') "
+                     "WHERE id = ?")
+        .bind(1, contactId)
+        .run();
+    transaction.commit();
+}
+
+std::optional<qint64> ContactBook::currentContact()
+{
+    Statement query(*this, "SELECT value FROM state WHERE key = 'current_contact'");
+    if (!query.step() || query.isNull(0))
+        return std::nullopt;
+    return query.integer(0);
+}
+
+void ContactBook::setCurrentContact(qint64 contactId)
+{
+    Transaction transaction([this](const char* sql) { exec(sql); });
+    if (!hasContact(contactId))
+        throw BookError(BookError::NotFound, u"there is no contact %1"_s.arg(contactId));
+    Statement(*this, "INSERT OR REPLACE INTO state (key, value) VALUES ('current_contact', ?)")
+        .bind(1, contactId)
+        .run();
+    transaction.commit();
+}
+
+bool ContactBook::hasContact(qint64 contactId)
+{
+    Statement query(*this, "SELECT 1 FROM contacts WHERE id = ?");
+    query.bind(1, contactId);
+    return query.step();
+}
+
+QList<qint64> ContactBook::contactIds()
+{
+    QList<qint64> ids;
+    Statement query(*this, "SELECT id FROM contacts ORDER BY id");
+    while (query.step())
+        ids.append(query.integer(0));
+    return ids;
+}
+
+QList<BookValue> ContactBook::contactValues(qint64 contactId)
+{
+    QList<BookValue> values;
+    Statement query(*this, "SELECT v.field_id, f.label, v.value FROM contact_values v "
+                           "JOIN fields f ON f.id = v.field_id "
+                           "WHERE v.contact_id = ? AND v.value <> '' ORDER BY f.position");
+    query.bind(1, contactId);
+    while (query.step())
+        values.append(BookValue{qint32(query.integer(0)), query.text(1), query.text(2)});
+    return values;
+}
+
+QList<BookField> ContactBook::fields()
+{
+    QList<BookField> result;
+    Statement query(*this, "SELECT id, label FROM fields ORDER BY position");
+    while (query.step())
+        result.append(BookField{qint32(query.integer(0)), query.text(1)});
+    return result;
+}
+
+int ContactBook::fieldCount()
+{
+    Statement query(*this, "SELECT count(*) FROM fields");
+    query.step();
+    return int(query.integer(0));
+}
+
+std::optional<qint32> ContactBook::fieldIdAt(int position)
+{
+    if (position < 0)
+        return std::nullopt;
+    Statement query(*this, "SELECT id FROM fields ORDER BY position LIMIT 1 OFFSET ?");
+    query.bind(1, position);
+    if (!query.step())
+        return std::nullopt;
+    return qint32(query.integer(0));
+}
+
+std::optional<QString> ContactBook::fieldLabel(qint32 fieldId)
+{
+    Statement query(*this, "SELECT label FROM fields WHERE id = ?");
+    query.bind(1, fieldId);
+    if (!query.step())
+        return std::nullopt;
+    return query.text(0);
+}
+
+void ContactBook::addField(qint32 fieldId, const QString& label)
+{
+    Transaction transaction([this](const char* sql) { exec(sql); });
+    if (fieldLabel(fieldId))
+        throw BookError(BookError::Invalid,
+                        u"the contact book already has a field %1"_s.arg(fieldId));
+    Statement(*this, "INSERT INTO fields (id, label) VALUES (?, ?)")
+        .bind(1, fieldId)
+        .bind(2, label)
+        .run();
+    transaction.commit();
+}
+
+} // namespace zf::act

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+#include <stdexcept>
+
+struct sqlite3;
+
+namespace zf::act {
+
+// Why the book could not be used. The file is left exactly as it was found.
+class BookError : public std::runtime_error {
+public:
+    enum Kind { CannotOpen, NotABook, Damaged, NewerVersion, ReadOnly, Busy, NotFound, Invalid };
+    BookError(Kind kind, const QString& message)
+        : std::runtime_error(message.toStdString()), m_kind(kind)
+    {
+    }
+    Kind kind() const { return m_kind; }
+    QString message() const { return QString::fromStdString(what()); }
+
+private:
+    Kind m_kind;
+};
+
+struct BookField {
+    qint32 id = 0;
+    QString label;
+    friend bool operator==(const BookField&, const BookField&) = default;
+};
+
+struct BookValue {
+    qint32 fieldId = 0;
+    QString label;
+    QString value;
+    friend bool operator==(const BookValue&, const BookValue&) = default;
+};
+
+// The embedded contact book: one SQLite file holding contacts as field id -> text, the
+// book's field definitions and the current contact. A missing file is created with its
+// schema; anything else that is not a book of a known schema version is refused untouched.
+// Every write is its own synchronous transaction, so it is on disk when the call returns,
+// and other programs may use the same file at the same time.
+class ContactBook {
+public:
+    static constexpr int SchemaVersion = 1;
+    static constexpr qint32 ApplicationId = 0x5A464B42; // marks the file as ours
+
+    explicit ContactBook(const QString& path);
+    ~ContactBook();
+    ContactBook(const ContactBook&) = delete;
+    ContactBook& operator=(const ContactBook&) = delete;
+
+    const QString& path() const { return m_path; }
+
+    // Adds an empty contact and makes it the current one; returns its id.
+    qint64 addContact();
+    void setField(qint64 contactId, qint32 fieldId, const QString& value);
+    std::optional<qint64> currentContact();
+    void setCurrentContact(qint64 contactId);
+    bool hasContact(qint64 contactId);
+    QList<qint64> contactIds();
+    // The contact's values in the book's field order; fields without a value are left out.
+    QList<BookValue> contactValues(qint64 contactId);
+
+    QList<BookField> fields();
+    int fieldCount();
+    std::optional<qint32> fieldIdAt(int position);
+    std::optional<QString> fieldLabel(qint32 fieldId);
+    // Appends a field definition; "" for a field without a label.
+    void addField(qint32 fieldId, const QString& label);
+
+private:
+    class Statement;
+    friend class Statement;
+    void exec(const char* sql);
+    [[noreturn]] void fail(int rc, const QString& doing);
+    void checkFormat();
+    void createSchema();
+
+    QString m_path;
+    sqlite3* m_db = nullptr;
+};
+
+} // namespace zf::act
