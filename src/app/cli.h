@@ -40,3 +40,7 @@ void printJson(const QJsonObject& object);
 
 // zettelfischer-cli analyse ...
 int runAnalyse(const QStringList& args);
+// zettelfischer-cli contacts ... (the embedded contact book)
+int runContacts(const QStringList& args);
+// zettelfischer-cli transfer --new|--edit ...: analyse, then file the rows as a contact.
+int runTransfer(const QStringList& args);

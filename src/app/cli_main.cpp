@@ -26,7 +26,22 @@ field rows as one JSON object: rows, clipText, extraFieldValues, messages, compl
   --trace           also print the line list with all twenty scores per line
   -h, --help        show this help
 
-Exit status: 0 when the analysis could start, 2 for a usage error or unreadable input.
+Usage: zettelfischer-cli contacts [--contacts FILE] COMMAND
+       zettelfischer-cli transfer --new|--edit [--contacts FILE] [analyse options]
+
+contacts: the contact book (--contacts FILE, else $ZETTELFISCHER_CONTACTS, else
+zettelfischer/kontakte.sqlite in the user's data folder; created on first use).
+  list              one line per contact: ID, name, company ("current" marks the current one)
+  show [ID]         the contact (default: the current one) as JSON: field id, label, value
+  current [ID]      show the current contact, or make contact ID the current one
+  fields            the book's fields: ID and label
+  add-field ID [LABEL]  add a field to the book
+  export [ID...]    the contacts (default: all) as vCard 4.0
+transfer: analyses the input like analyse and files the rows as a new contact (--new) or
+into the current contact (--edit); prints what it did as JSON.
+
+Exit status: 0 on success, 1 when the contact book cannot be used or a transfer failed,
+2 for a usage error or unreadable input.
 )";
 
 } // namespace
@@ -50,5 +65,9 @@ int main(int argc, char** argv)
         return usageError(u"missing command"_s);
     if (args.first() == u"analyse"_s)
         return runAnalyse(args.mid(1));
+    if (args.first() == u"contacts"_s)
+        return runContacts(args.mid(1));
+    if (args.first() == u"transfer"_s)
+        return runTransfer(args.mid(1));
     return usageError(u"unknown command '%1'"_s.arg(args.first()));
 }

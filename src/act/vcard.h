@@ -1,0 +1,28 @@
+#pragma once
+
+#include "contactbook.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+namespace zf::act {
+
+// vCard 4.0 (RFC 6350) for the contact book's export.
+
+// A text value: backslash, comma and line breaks escaped.
+QString escapeVCardText(const QString& value);
+// One component of a structured value (N, ADR, ORG): also the semicolon.
+QString escapeVCardComponent(const QString& value);
+// A parameter value, quoted, with ^ escapes for quote and line break (RFC 6868).
+QString quoteVCardParameter(const QString& value);
+// The content line in UTF-8, folded into lines of at most 75 octets, each ended by CRLF.
+// Multi-octet characters are never cut.
+QByteArray foldVCardLine(const QString& line);
+
+// One card of the contact's values (those with a value; others are left out). The twenty
+// standard fields map to N, FN, ORG, TITLE, ADR, TEL, EMAIL and URL, any other field to an
+// X-ZETTELFISCHER-FIELD-<id> property that carries the field's label.
+QByteArray contactToVCard(const QList<BookValue>& values);
+
+} // namespace zf::act
