@@ -8,11 +8,11 @@ using namespace zf;
 namespace {
 
 // "Text|Field=points Other=points"
-clsZeile record(const QString& spec)
+clsZeile record(const QString& line)
 {
-    const qsizetype bar = spec.indexOf(u'|');
-    clsZeile z{spec.left(bar)};
-    for (const QString& item : spec.mid(bar + 1).split(u' ', Qt::SkipEmptyParts)) {
+    const qsizetype bar = line.indexOf(u'|');
+    clsZeile z{line.left(bar)};
+    for (const QString& item : line.mid(bar + 1).split(u' ', Qt::SkipEmptyParts)) {
         const QStringList kv = item.split(u'=');
         for (const ScoreMember& m : AllScores)
             if (QString::fromLatin1(m.name) == kv[0])
