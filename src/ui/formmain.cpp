@@ -1,0 +1,343 @@
+#include "formmain.h"
+
+#include "analysis/analyser.h"
+#include "analysis/textutil.h"
+#include "formfertigabfrage.h"
+#include "forminfo.h"
+#include "formtrenner.h"
+#include "messages.h"
+#include "settings/settings.h"
+#include "updatelaunch.h"
+#include "windowhelpers.h"
+
+#include <QClipboard>
+#include <QComboBox>
+#include <QCompleter>
+#include <QGuiApplication>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTextCursor>
+
+using namespace Qt::StringLiterals;
+
+namespace zf::ui {
+
+formMain::formMain(MainOptions options, QWidget* parent)
+    : QWidget(parent), m_options(std::move(options)),
+      m_link(std::make_unique<act::ContactLink>(m_options.contacts))
+{
+    setObjectName(u"formMain"_s);
+    setFixedSize(660, 535);
+    setWindowIcon(QIcon(u":/icons/app.svg"_s));
+    setFont(ClassicFont(8.25));
+
+    buildRows();
+
+    txtClipText = new QPlainTextEdit(this);
+    txtClipText->setObjectName(u"txtClipText"_s);
+    txtClipText->setGeometry(8, 392, 428, 137);
+    txtClipText->setLineWrapMode(QPlainTextEdit::NoWrap);
+    connect(txtClipText, &QPlainTextEdit::textChanged, this, &formMain::clipBoxEdited);
+
+    buildButtons();
+
+    QWidget* previous = cmdUpdate;
+    for (int row = 0; row < RowCount; ++row) {
+        setTabOrder(previous, txtWert[row]);
+        setTabOrder(txtWert[row], txtField[row]);
+        previous = txtField[row];
+    }
+    setTabOrder(previous, txtClipText);
+    cmdGetClipboard->setFocus();
+}
+
+formMain::~formMain()
+{
+    ReleaseActObjects();
+}
+
+void formMain::buildRows()
+{
+    FieldRows& rows = m_session.rows;
+    for (int row = 0; row < RowCount; ++row) {
+        auto* value = new QLineEdit(this);
+        value->setObjectName(u"txtWert_%1"_s.arg(row));
+        value->setGeometry(8, 8 + 24 * row, 484, 20);
+        connect(value, &QLineEdit::textEdited, this,
+                [&rows, row](const QString& text) { rows.setValue(row, text); });
+        txtWert[row] = value;
+
+        // Editable for typing with completion; what is typed must end as an entry of the list.
+        auto* field = new QComboBox(this);
+        field->setObjectName(u"txtField_%1"_s.arg(row));
+        field->setGeometry(496, 8 + 24 * row, 156, 20);
+        field->setEditable(true);
+        field->setInsertPolicy(QComboBox::NoInsert);
+        field->setMaxVisibleItems(20);
+        field->setModel(rows.fieldModel());
+        field->completer()->setCompletionMode(QCompleter::InlineCompletion);
+        field->completer()->setCaseSensitivity(Qt::CaseInsensitive);
+        field->completer()->setModelSorting(QCompleter::CaseInsensitivelySortedModel);
+        connect(field, &QComboBox::activated, this,
+                [&rows, row](int pos) { rows.setSelected(row, pos); });
+        connect(field->lineEdit(), &QLineEdit::editingFinished, this,
+                [this, row] { commitRowField(row); });
+        txtField[row] = field;
+    }
+    connect(&rows, &FieldRows::valueChanged, this, [this](int row) {
+        if (txtWert[row]->text() != m_session.rows.value(row))
+            txtWert[row]->setText(m_session.rows.value(row));
+    });
+    connect(&rows, &FieldRows::selectionChanged, this, &formMain::showRowField);
+    // A combo box picks an entry by itself when its list fills; the rows decide instead.
+    const auto showAll = [this] {
+        for (int row = 0; row < RowCount; ++row)
+            showRowField(row);
+    };
+    FieldList* model = rows.fieldModel();
+    connect(model, &QAbstractItemModel::rowsInserted, this, showAll);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, showAll);
+    connect(model, &QAbstractItemModel::modelReset, this, showAll);
+}
+
+void formMain::buildButtons()
+{
+    struct Spec {
+        QPushButton*& button;
+        const char16_t* name;
+        const char16_t* icon;
+        QString caption;
+        QString tooltip;
+        QRect place;
+        qreal points;
+        bool bold;
+    };
+    const Spec specs[] = {
+        {cmdGetClipboard,
+         u"cmdGetClipboard",
+         u":/icons/clipboard.svg",
+         u"Hole aus Zwischenablage"_s,
+         u"Holt den Textinhalt aus der Zwischenablage und analysiert ihn nach "
+         u"Adressinformationen"_s,
+         {442, 392, 209, 25},
+         9.75,
+         true},
+        {cmdNeuanlageInACT,
+         u"cmdNeuanlageInACT",
+         u":/icons/new.svg",
+         u"Neu Anlegen"_s,
+         u"Legt den oben abgebildeten Satz in ACT! an."_s,
+         {442, 420, 103, 25},
+         8.25,
+         true},
+        {cmdBearbeitenInAct,
+         u"cmdBearbeitenInAct",
+         u":/icons/edit.svg",
+         u"Bearbeiten"_s,
+         u"Überschreibt den aktuellen Kontakt mit den oben abgebildeten Daten"_s,
+         {548, 420, 103, 25},
+         8.25,
+         true},
+        {cmdNeuerTrenner,
+         u"cmdNeuerTrenner",
+         u":/icons/separator.svg",
+         u"Neuen Trenner wählen"_s,
+         u"Ein neues Zeilentrennzeichen wählen falls die automatische Auswahl nicht korrekt "
+         u"war."_s,
+         {442, 448, 209, 25},
+         9.75,
+         false},
+        {cmdAlleFelder,
+         u"cmdAlleFelder",
+         u":/icons/fields.svg",
+         u"Felder aus ACT! DB laden"_s,
+         u"Es werden alle Felder aus der aktuell geöffneten ACT! DB geladen und in die "
+         u"Auswahlboxen eingefügt."_s,
+         {442, 476, 209, 25},
+         9.75,
+         false},
+        {cmdInfo,
+         u"cmdInfo",
+         u":/icons/info.svg",
+         u"Über"_s,
+         u"Über Zettelfischer"_s,
+         {442, 504, 103, 25},
+         9.75,
+         false},
+        {cmdUpdate,
+         u"cmdUpdate",
+         u":/icons/update.svg",
+         u"Updaten"_s,
+         u"Das Online Update starten"_s,
+         {548, 504, 103, 25},
+         9.75,
+         false},
+    };
+    for (const Spec& s : specs) {
+        auto* button = new QPushButton(QIcon(QString::fromUtf16(s.icon)), s.caption, this);
+        button->setObjectName(QString::fromUtf16(s.name));
+        button->setToolTip(s.tooltip);
+        button->setGeometry(s.place);
+        button->setIconSize({16, 16});
+        button->setFont(ClassicFont(s.points, s.bold));
+        // Room for the picture and the button's margins.
+        FitFont(button, s.caption, s.place.width() - 34);
+        s.button = button;
+    }
+    connect(cmdGetClipboard, &QPushButton::clicked, this, &formMain::FetchClipboard);
+    connect(cmdNeuanlageInACT, &QPushButton::clicked, this, [this] { TransferContact(true); });
+    connect(cmdBearbeitenInAct, &QPushButton::clicked, this, [this] { TransferContact(false); });
+    connect(cmdNeuerTrenner, &QPushButton::clicked, this, &formMain::ChooseNewSeparator);
+    connect(cmdAlleFelder, &QPushButton::clicked, this, &formMain::LoadFieldList);
+    connect(cmdInfo, &QPushButton::clicked, this, &formMain::ShowInfo);
+    connect(cmdUpdate, &QPushButton::clicked, this, &formMain::StartUpdate);
+}
+
+Seams formMain::seams()
+{
+    Seams s;
+    s.showMessage = [this](const QString& text, int style) {
+        return ShowMessage(text, style, this);
+    };
+    s.chooseSeparator = [this] { return ChooseSeparator(m_session.state, this); };
+    return s;
+}
+
+act::WindowHooks formMain::hooks()
+{
+    act::WindowHooks h;
+    h.setBusyCursor = [](bool busy) { SetBusyCursor(busy); };
+    h.setTopMost = [this](bool onTop) { SetTopMost(this, onTop); };
+    h.repaint = [this] { repaint(); };
+    h.showMessage = [this](const QString& text, int style) {
+        return ShowMessage(text, style, this);
+    };
+    h.showCompletionPrompt = [this](bool created) { return ShowCompletionPrompt(created, this); };
+    h.fetchClipboard = [this] { FetchClipboard(); };
+    h.saveFieldCache = [this] { SaveFieldCache(m_options.iniPath, m_session.rows); };
+    h.closeProgram = [this] { close(); };
+    h.focusMainWindow = [this] {
+        activateWindow();
+        raise();
+    };
+    return h;
+}
+
+void formMain::StartUp()
+{
+    setWindowTitle(u"Zettelfischer"_s + u" v."_s + u"1.18"_s);
+    m_session.state.ChosenSeparator.clear();
+    m_session.rows.FillDefaultFieldLists();
+    LoadSettings(m_options.iniPath, m_session.state, m_session.rows);
+    LoadFieldList();
+    m_analysisRunning = true;
+    m_session.clipText.clear();
+    setBoxText(QString());
+    m_analysisRunning = false;
+    SetTopMost(this, true);
+    SetTopMost(this, false);
+    m_silentFetch = true;
+    FetchClipboard();
+    m_silentFetch = false;
+    cmdGetClipboard->setFocus();
+}
+
+void formMain::FetchClipboard()
+{
+    m_analysisRunning = true;
+    setBoxText(QString());
+    // text() is the plain-text form; an image or an empty clipboard gives "".
+    const QString clipboard = QGuiApplication::clipboard()->text();
+    FetchClipboardText(clipboard, m_session, seams(), m_silentFetch);
+    setBoxText(m_session.clipText);
+    m_analysisRunning = false;
+}
+
+void formMain::clipBoxEdited()
+{
+    if (m_analysisRunning)
+        return;
+    m_analysisRunning = true;
+    const QString text = txtClipText->toPlainText();
+    const int cursor = txtClipText->textCursor().position();
+    setBoxText(QString());
+    m_session.clipText.clear();
+    AnalyseText(text, m_session, seams());
+    // Keep the caret where the user was typing, as far as the rewritten text allows.
+    setBoxText(m_session.clipText, cursor);
+    m_analysisRunning = false;
+}
+
+void formMain::setBoxText(const QString& text, int cursorPosition)
+{
+    txtClipText->setPlainText(text);
+    QTextCursor cursor = txtClipText->textCursor();
+    cursor.setPosition(qMin(cursorPosition, txtClipText->document()->characterCount() - 1));
+    txtClipText->setTextCursor(cursor);
+}
+
+void formMain::showRowField(int row)
+{
+    QComboBox* field = txtField[row];
+    const int pos = m_session.rows.selected(row);
+    if (field->currentIndex() != pos)
+        field->setCurrentIndex(pos);
+    const QString name = pos < 0 ? QString() : m_session.rows.fields().nameAt(pos);
+    if (field->currentText() != name)
+        field->setEditText(name);
+}
+
+void formMain::commitRowField(int row)
+{
+    QComboBox* field = txtField[row];
+    const QString typed = field->currentText();
+    if (typed.isEmpty()) {
+        m_session.rows.setSelected(row, -1);
+    } else {
+        const int pos = field->findText(typed, Qt::MatchFixedString);
+        if (pos >= 0)
+            m_session.rows.setSelected(row, pos);
+    }
+    // Anything typed that is no entry gives way to the chosen entry.
+    showRowField(row);
+}
+
+void formMain::TransferContact(bool create)
+{
+    m_link->TransferContact(create, m_session, hooks());
+}
+
+void formMain::ChooseNewSeparator()
+{
+    if (Trim(txtClipText->toPlainText()).isEmpty()) {
+        ShowMessage(msg::NoData, StyleExclamation, this);
+        return;
+    }
+    if (!ChooseSeparator(m_session.state, this).isEmpty())
+        FetchClipboard();
+}
+
+void formMain::LoadFieldList()
+{
+    m_link->LoadFieldList(m_session, hooks());
+}
+
+void formMain::ShowInfo()
+{
+    formInfo info(this);
+    info.exec();
+}
+
+void formMain::StartUpdate()
+{
+    if (LaunchUpdate(m_options.programDir, this) == UpdateOutcome::Started)
+        close();
+}
+
+void formMain::ReleaseActObjects()
+{
+    m_link->ReleaseActObjects();
+}
+
+} // namespace zf::ui

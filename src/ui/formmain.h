@@ -1,0 +1,80 @@
+#pragma once
+
+#include "act/contactlink.h"
+#include "analysis/session.h"
+
+#include <QWidget>
+
+#include <array>
+#include <memory>
+
+class QComboBox;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+
+namespace zf::ui {
+
+struct MainOptions {
+    QString iniPath;    // the settings file
+    QString programDir; // where the update program lies
+    std::shared_ptr<act::ObjectFactory> contacts;
+};
+
+// The main window: sixteen field rows bound to the session's rows, the clipboard box and the
+// seven commands. The analysis, the settings and the contact link do the work.
+class formMain : public QWidget {
+    Q_OBJECT
+public:
+    static constexpr int RowCount = FieldRows::RowCount;
+
+    explicit formMain(MainOptions options, QWidget* parent = nullptr);
+    ~formMain() override;
+
+    // Title, default lists, settings, the field list of the contact book, a silent fetch.
+    void StartUp();
+
+    // The commands.
+    void FetchClipboard();
+    void TransferContact(bool create);
+    void ChooseNewSeparator();
+    void LoadFieldList();
+    void ShowInfo();
+    void StartUpdate();
+
+    void ReleaseActObjects();
+
+    Session& session() { return m_session; }
+    act::ContactLink& contactLink() { return *m_link; }
+    bool AnalysisRunning() const { return m_analysisRunning; }
+    // What the contact link gets of the window.
+    act::WindowHooks hooks();
+
+    std::array<QLineEdit*, RowCount> txtWert{};
+    std::array<QComboBox*, RowCount> txtField{};
+    QPlainTextEdit* txtClipText = nullptr;
+    QPushButton* cmdGetClipboard = nullptr;
+    QPushButton* cmdNeuanlageInACT = nullptr;
+    QPushButton* cmdBearbeitenInAct = nullptr;
+    QPushButton* cmdNeuerTrenner = nullptr;
+    QPushButton* cmdAlleFelder = nullptr;
+    QPushButton* cmdInfo = nullptr;
+    QPushButton* cmdUpdate = nullptr;
+
+private:
+    Seams seams();
+    void buildRows();
+    void buildButtons();
+    void setBoxText(const QString& text, int cursorPosition = 0);
+    void clipBoxEdited();
+    void showRowField(int row);
+    void commitRowField(int row);
+
+    MainOptions m_options;
+    Session m_session;
+    std::unique_ptr<act::ContactLink> m_link;
+    bool m_analysisRunning = false;
+    bool m_silentFetch = false;
+};
+
+} // namespace zf::ui

@@ -1,0 +1,32 @@
+#include "updatelaunch.h"
+
+#include "analysis/session.h"
+#include "messages.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+
+using namespace Qt::StringLiterals;
+
+namespace zf::ui {
+
+UpdateOutcome LaunchUpdate(const QString& programDir, QWidget* parent)
+{
+    if (ShowMessage(msg::UpdateConfirm, StyleQuestion, parent) != AnswerYes)
+        return UpdateOutcome::Declined;
+    const QString program = QDir(programDir).filePath(QString::fromUtf16(UpdateProgramName));
+    // A folder of that name is no program.
+    if (!QFileInfo(program).isFile()) {
+        ShowMessage(msg::UpdateMissing, StyleExclamation, parent);
+        return UpdateOutcome::Missing;
+    }
+    qint64 pid = 0;
+    if (!QProcess::startDetached(program, {QString(), u"small"_s}, QString(), &pid) || pid == 0) {
+        ShowMessage(msg::UpdateFailed, StyleExclamation, parent);
+        return UpdateOutcome::StartFailed;
+    }
+    return UpdateOutcome::Started;
+}
+
+} // namespace zf::ui

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace zf::ui {
+
+enum class UpdateOutcome { Declined, Missing, StartFailed, Started };
+
+// The file name of the update program beside this one.
+inline constexpr char16_t UpdateProgramName[] = u"update.exe";
+
+// Asks, then starts the update program of that folder detached with the arguments "" and
+// "small". Started means the caller must end the program so the update can replace it.
+UpdateOutcome LaunchUpdate(const QString& programDir, QWidget* parent = nullptr);
+
+} // namespace zf::ui
