@@ -23,6 +23,17 @@ using namespace Qt::StringLiterals;
 
 namespace zf::ui {
 
+QString ClipboardPlainText()
+{
+    // An image or an empty clipboard has no plain text: "".
+    QString text = QGuiApplication::clipboard()->text();
+    // Lines on this clipboard end in LF alone; the analysis and the separator chooser count
+    // CR LF as the line break, as copied text elsewhere has it.
+    text.replace(u"\r\n"_s, u"\n"_s);
+    text.replace(u'\n', u"\r\n"_s);
+    return text;
+}
+
 formMain::formMain(MainOptions options, QWidget* parent)
     : QWidget(parent), m_options(std::move(options)),
       m_link(std::make_unique<act::ContactLink>(m_options.contacts))
@@ -247,9 +258,7 @@ void formMain::FetchClipboard()
 {
     m_analysisRunning = true;
     setBoxText(QString());
-    // text() is the plain-text form; an image or an empty clipboard gives "".
-    const QString clipboard = QGuiApplication::clipboard()->text();
-    FetchClipboardText(clipboard, m_session, seams(), m_silentFetch);
+    FetchClipboardText(ClipboardPlainText(), m_session, seams(), m_silentFetch);
     setBoxText(m_session.clipText);
     m_analysisRunning = false;
 }

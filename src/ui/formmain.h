@@ -15,6 +15,9 @@ class QPushButton;
 
 namespace zf::ui {
 
+// The clipboard's plain text with CR LF line breaks; "" when it holds no text.
+QString ClipboardPlainText();
+
 struct MainOptions {
     QString iniPath;    // the settings file
     QString programDir; // where the update program lies
