@@ -6,18 +6,26 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QIcon>
 
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
 
-int main(int argc, char** argv)
+namespace {
+
+struct Arguments {
+    QString contactsFile;
+    int exitCode = -1; // >= 0: end with this code without a window
+};
+
+// Read before the window system is touched, so that --help and usage errors work anywhere.
+Arguments parseArguments(int argc, char** argv)
 {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(u"Zettelfischer"_s);
-    QApplication::setApplicationVersion(u"1.18"_s);
-    QApplication::setWindowIcon(QIcon(u":/icons/app.svg"_s));
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(u"zettelfischer"_s);
+    QCoreApplication::setApplicationVersion(u"1.18"_s);
 
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -31,24 +39,46 @@ int main(int argc, char** argv)
         u"zettelfischer/kontakte.sqlite in the user's data folder)."_s,
         u"FILE"_s);
     parser.addOption(contacts);
-    if (!parser.parse(QApplication::arguments()) || !parser.positionalArguments().isEmpty()) {
+
+    Arguments result;
+    if (!parser.parse(QCoreApplication::arguments()) || !parser.positionalArguments().isEmpty()) {
         const QString error =
             parser.errorText().isEmpty()
                 ? u"unexpected argument '%1'"_s.arg(parser.positionalArguments().value(0))
                 : parser.errorText();
         std::fprintf(stderr, "zettelfischer: %s\nTry 'zettelfischer --help'.\n", qPrintable(error));
-        return 2;
-    }
-    if (parser.isSet(help)) {
+        result.exitCode = 2;
+    } else if (parser.isSet(help)) {
         std::fputs(qPrintable(parser.helpText()), stdout);
-        return 0;
-    }
-    if (parser.isSet(version)) {
+        result.exitCode = 0;
+    } else if (parser.isSet(version)) {
         std::printf("Zettelfischer 1.18\n");
-        return 0;
+        result.exitCode = 0;
+    } else if (qEnvironmentVariableIsEmpty("DISPLAY") &&
+               qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+               qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        std::fprintf(stderr, "zettelfischer: no display to open the window on (DISPLAY is not "
+                             "set); for scripts there is zettelfischer-cli.\n");
+        result.exitCode = 1;
     }
+    result.contactsFile = parser.value(contacts);
+    return result;
+}
 
-    const QString book = zf::act::contactBookPath(parser.value(contacts));
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Arguments args = parseArguments(argc, argv);
+    if (args.exitCode >= 0)
+        return args.exitCode;
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(u"Zettelfischer"_s);
+    QApplication::setApplicationVersion(u"1.18"_s);
+    QApplication::setWindowIcon(QIcon(u":/icons/app.svg"_s));
+
+    const QString book = zf::act::contactBookPath(args.contactsFile);
     zf::ui::formMain window({zf::settingsFilePath(), QApplication::applicationDirPath(),
                              zf::act::makeContactBookFactory(book)});
     window.show();
