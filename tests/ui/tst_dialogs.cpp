@@ -4,7 +4,6 @@
 #include "uitest.h"
 
 #include "analysis/session.h"
-#include "ui/formfertigabfrage.h"
 #include "ui/forminfo.h"
 #include "ui/formtrenner.h"
 #include "ui/windowhelpers.h"
@@ -44,7 +43,6 @@ private slots:
     void aboutLinks_data();
     void aboutLinks();
     void aboutHoverAndClose();
-    void completionLabel();
     void busyCursorUnpaired();
     void topMostOnShownWindow();
 };
@@ -217,19 +215,6 @@ void TestDialogs::aboutHoverAndClose()
     });
     info.exec();
     QVERIFY(closed);
-}
-
-void TestDialogs::completionLabel()
-{
-    formFertigAbfrage created(true);
-    formFertigAbfrage edited(false);
-    QCOMPARE(created.Label1->text(), "Kontakt wurde erfolgreich angelegt.");
-    QCOMPARE(edited.Label1->text(), "Kontakt wurde erfolgreich bearbeitet.");
-    QCOMPARE(created.CompletionChoice(), quint8(0));
-    QTest::mouseClick(created.cmdNeueRunde, Qt::LeftButton);
-    QCOMPARE(created.CompletionChoice(), quint8(2));
-    // The label fits its fixed place even where the fonts run wider.
-    QVERIFY(QFontMetrics(edited.Label1->font()).horizontalAdvance(edited.Label1->text()) <= 305);
 }
 
 void TestDialogs::busyCursorUnpaired()

