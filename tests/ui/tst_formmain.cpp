@@ -100,6 +100,7 @@ private slots:
     void startUp_data();
     void startUp();
     void tabOrderAndPictures();
+    void settingsAtStartUp();
     void fetch_data();
     void fetch();
     void largeClipboard();
@@ -187,6 +188,23 @@ void TestFormMain::tabOrderAndPictures()
         // The pictures come from the program's own resources.
         QVERIFY2(!b->icon().pixmap(16, 16).isNull(), qPrintable(b->objectName()));
     }
+}
+
+void TestFormMain::settingsAtStartUp()
+{
+    Fixture f;
+    QFile ini(f.dir.filePath("zettelfischer.ini"));
+    QVERIFY(ini.open(QIODevice::WriteOnly));
+    ini.write("[Config]\r\nStandardLand5PLZ=Musterland\r\nCacheFelder=1\r\n");
+    ini.close();
+    setClipboard("Muster GmbH\r\n80331 München\r\n");
+    f.w().StartUp();
+    QCOMPARE(shownRows(f.w()),
+             (QStringList{"Muster GmbH=Firma", "80331=PLZ", "München=Ort", "Musterland=Land"}));
+    // The field list loaded from the contact book went to the cache.
+    QVERIFY(ini.open(QIODevice::ReadOnly));
+    const QByteArray written = ini.readAll();
+    QVERIFY2(written.contains("[Felder]") && written.contains("Zeile1="), written.constData());
 }
 
 void TestFormMain::fetch_data()
