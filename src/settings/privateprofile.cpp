@@ -1,0 +1,472 @@
+#include "privateprofile.h"
+
+#include <QFile>
+#include <QHash>
+#include <QMutex>
+#include <QMutexLocker>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
+namespace zf::profile {
+
+namespace {
+
+// Bytes 0x80 to 0x9F of Windows-1252; the undefined ones stand for themselves.
+constexpr char16_t HighTable[32] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
+};
+
+char encodeChar(char16_t c)
+{
+    if (c < 0x80 || (c >= 0xA0 && c <= 0xFF))
+        return char(c);
+    for (int i = 0; i < 32; ++i)
+        if (HighTable[i] == c)
+            return char(0x80 + i);
+    return '?';
+}
+
+} // namespace
+
+QString DecodeAnsi(QByteArrayView bytes)
+{
+    QString out(bytes.size(), Qt::Uninitialized);
+    QChar* d = out.data();
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        const auto b = static_cast<unsigned char>(bytes[i]);
+        d[i] = QChar(b >= 0x80 && b < 0xA0 ? HighTable[b - 0x80] : char16_t(b));
+    }
+    return out;
+}
+
+QByteArray EncodeAnsi(QStringView text)
+{
+    QByteArray out;
+    out.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        // One "?" for a character outside the basic plane, not one per half.
+        if (QChar::isHighSurrogate(c) && i + 1 < text.size() &&
+            QChar::isLowSurrogate(text[i + 1].unicode()))
+            ++i;
+        out.append(encodeChar(c));
+    }
+    return out;
+}
+
+namespace {
+
+// Files up to this size are compared byte by byte on every access, so that a quick
+// rewrite within one tick of the file clock is never missed; larger files are trusted by
+// their status (size, times, inode), which keeps numbered-key loops over them linear.
+constexpr qsizetype CompareLimit = 16 * 1024;
+
+bool isBlank(char c)
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f' || c == '\x1a';
+}
+
+QByteArrayView trimmed(QByteArrayView v)
+{
+    while (!v.isEmpty() && isBlank(v.front()))
+        v = v.sliced(1);
+    while (!v.isEmpty() && isBlank(v.back()))
+        v.chop(1);
+    return v;
+}
+
+QString trimmedText(QStringView s)
+{
+    qsizetype b = 0;
+    qsizetype e = s.size();
+    const auto blank = [](QChar c) { return c.unicode() < 0x80 && isBlank(char(c.unicode())); };
+    while (b < e && blank(s[b]))
+        ++b;
+    while (e > b && blank(s[e - 1]))
+        --e;
+    return s.sliced(b, e - b).toString();
+}
+
+// What an ANSI C string made of the text holds.
+QString cString(const QString& s)
+{
+    const qsizetype nul = s.indexOf(QChar(0));
+    return nul < 0 ? s : s.left(nul);
+}
+
+struct Line {
+    qsizetype start = 0;
+    qsizetype end = 0;  // past the text, before the line break
+    qsizetype next = 0; // start of the following line
+    qsizetype eq = -1;  // the "=" of a key line
+};
+
+struct Section {
+    qsizetype header = 0; // line index of "[name]"
+    qsizetype end = 0;    // line index past the section
+    QHash<QString, qsizetype> keys;
+};
+
+struct Document {
+    QByteArray data;
+    bool utf8 = false; // a UTF-8 byte-order mark says so; everything else is Windows-1252
+    QList<Line> lines;
+    QList<Section> sections;
+    QHash<QString, qsizetype> sectionIndex; // the first section of each name
+
+    QString decode(QByteArrayView v) const { return utf8 ? QString::fromUtf8(v) : DecodeAnsi(v); }
+    QByteArray encode(const QString& s) const { return utf8 ? s.toUtf8() : EncodeAnsi(s); }
+    // The name as the file would hold it, folded for comparison.
+    QString lookupName(const QString& name) const
+    {
+        return trimmedText(utf8 ? cString(name) : DecodeAnsi(EncodeAnsi(cString(name))))
+            .toCaseFolded();
+    }
+    QByteArrayView lineText(const Line& l) const
+    {
+        return QByteArrayView(data).sliced(l.start, l.end - l.start);
+    }
+};
+
+void parse(Document& doc)
+{
+    const QByteArray& d = doc.data;
+    const char* const base = d.constData();
+    const qsizetype size = d.size();
+    qsizetype pos = 0;
+    if (d.startsWith("\xEF\xBB\xBF")) {
+        doc.utf8 = true;
+        pos = 3;
+    }
+    Section* current = nullptr;
+    while (pos < size) {
+        Line line;
+        line.start = pos;
+        const void* nl = std::memchr(base + pos, '\n', size_t(size - pos));
+        line.next = nl ? static_cast<const char*>(nl) - base + 1 : size;
+        line.end = nl ? line.next - 1 : size;
+        if (line.end > line.start && base[line.end - 1] == '\r')
+            --line.end;
+        pos = line.next;
+
+        const QByteArrayView text = trimmed(doc.lineText(line));
+        const qsizetype index = doc.lines.size();
+        if (text.startsWith('[')) {
+            const qsizetype close = text.indexOf(']');
+            if (close > 0) {
+                if (current)
+                    current->end = index;
+                doc.sections.append(Section{index, index, {}});
+                current = &doc.sections.back();
+                const QString name = doc.decode(trimmed(text.sliced(1, close - 1))).toCaseFolded();
+                if (!doc.sectionIndex.contains(name))
+                    doc.sectionIndex.insert(name, doc.sections.size() - 1);
+                doc.lines.append(line);
+                continue;
+            }
+        }
+        const qsizetype eq = doc.lineText(line).indexOf('=');
+        if (eq >= 0 && current) {
+            line.eq = line.start + eq;
+            const QString key =
+                doc.decode(trimmed(QByteArrayView(d).sliced(line.start, eq))).toCaseFolded();
+            if (!current->keys.contains(key))
+                current->keys.insert(key, index);
+        }
+        doc.lines.append(line);
+    }
+    if (current)
+        current->end = doc.lines.size();
+}
+
+enum class Status { Ok, Missing, Unusable };
+
+struct Loaded {
+    Status status = Status::Missing;
+    std::shared_ptr<const Document> doc;
+};
+
+struct FileStamp {
+    dev_t dev = 0;
+    ino_t ino = 0;
+    off_t size = 0;
+    timespec mtime{};
+    timespec ctime{};
+    bool operator==(const FileStamp& o) const
+    {
+        return dev == o.dev && ino == o.ino && size == o.size && mtime.tv_sec == o.mtime.tv_sec &&
+               mtime.tv_nsec == o.mtime.tv_nsec && ctime.tv_sec == o.ctime.tv_sec &&
+               ctime.tv_nsec == o.ctime.tv_nsec;
+    }
+};
+
+// The last file used, parsed: the platform keeps its profile files cached the same way.
+struct Cache {
+    QMutex mutex;
+    QString path;
+    FileStamp stamp;
+    std::shared_ptr<const Document> doc;
+};
+
+Cache& cache()
+{
+    static Cache c;
+    return c;
+}
+
+std::optional<FileStamp> stampOf(const QString& fileName, Status& status)
+{
+    struct stat st {};
+    if (::stat(QFile::encodeName(fileName).constData(), &st) != 0) {
+        status = errno == ENOENT ? Status::Missing : Status::Unusable;
+        return std::nullopt;
+    }
+    if (!S_ISREG(st.st_mode)) {
+        status = Status::Unusable;
+        return std::nullopt;
+    }
+    status = Status::Ok;
+    return FileStamp{st.st_dev, st.st_ino, st.st_size, st.st_mtim, st.st_ctim};
+}
+
+// Caller holds the cache mutex.
+Loaded load(const QString& fileName)
+{
+    if (fileName.isEmpty())
+        return {Status::Unusable, nullptr};
+    Cache& c = cache();
+    Status status = Status::Ok;
+    const std::optional<FileStamp> stamp = stampOf(fileName, status);
+    if (!stamp)
+        return {status, nullptr};
+    const bool samePath = c.doc && c.path == fileName;
+    if (samePath && c.stamp == *stamp && stamp->size > CompareLimit)
+        return {Status::Ok, c.doc};
+
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return {Status::Unusable, nullptr};
+    QByteArray data = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return {Status::Unusable, nullptr};
+    if (samePath && c.doc->data == data) {
+        c.stamp = *stamp;
+        return {Status::Ok, c.doc};
+    }
+    auto doc = std::make_shared<Document>();
+    doc->data = std::move(data);
+    parse(*doc);
+    c.path = fileName;
+    c.stamp = *stamp;
+    c.doc = doc;
+    return {Status::Ok, doc};
+}
+
+// Caller holds the cache mutex. Writes in place, so that links, owner and permissions of
+// the file stay as they are.
+bool store(const QString& fileName, const QByteArray& data)
+{
+    QFile file(fileName);
+    const QByteArray native = QFile::encodeName(fileName);
+    struct stat st {};
+    const bool exists = ::stat(native.constData(), &st) == 0;
+    // A file without any write permission counts as read-only even for the superuser.
+    if (exists && ((st.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0 ||
+                   ::access(native.constData(), W_OK) != 0))
+        return false;
+    if (!file.open(exists ? QIODevice::ReadWrite : QIODevice::WriteOnly))
+        return false;
+    const bool ok = file.write(data) == data.size() && file.resize(data.size()) && file.flush();
+    file.close();
+    Cache& c = cache();
+    c.doc.reset(); // re-read on next use: the file may hold only part of what was meant
+    if (!ok)
+        return false;
+    Status status = Status::Ok;
+    if (const std::optional<FileStamp> stamp = stampOf(fileName, status)) {
+        auto doc = std::make_shared<Document>();
+        doc->data = data;
+        parse(*doc);
+        c.path = fileName;
+        c.stamp = *stamp;
+        c.doc = doc;
+    }
+    return true;
+}
+
+// A value must stay on its own line.
+QString oneLine(const QString& s)
+{
+    QString out = cString(s);
+    out.replace(u'\r', u' ');
+    out.replace(u'\n', u' ');
+    return out;
+}
+
+QString readValue(const Document& doc, const Line& line)
+{
+    const QString value = trimmedText(
+        doc.decode(QByteArrayView(doc.data).sliced(line.eq + 1, line.end - line.eq - 1)));
+    if (value.size() >= 2 && (value.front() == u'"' || value.front() == u'\'') &&
+        value.back() == value.front())
+        return value.sliced(1, value.size() - 2);
+    return value;
+}
+
+bool isBlankLine(const Document& doc, const Line& line)
+{
+    return trimmed(doc.lineText(line)).isEmpty();
+}
+
+QByteArray withoutLines(const Document& doc, qsizetype first, qsizetype last)
+{
+    QByteArray out = doc.data;
+    const qsizetype from = doc.lines[first].start;
+    out.remove(from, doc.lines[last].next - from);
+    return out;
+}
+
+} // namespace
+
+qsizetype GetString(const QString& section, const QString& key, const QString& defaultValue,
+                    QChar* buffer, qsizetype size, const QString& fileName)
+{
+    if (size <= 0)
+        return 0;
+    QString value;
+    bool found = false;
+    {
+        QMutexLocker lock(&cache().mutex);
+        const Loaded loaded = load(fileName);
+        if (loaded.doc) {
+            const Document& doc = *loaded.doc;
+            const qsizetype s = doc.sectionIndex.value(doc.lookupName(section), -1);
+            if (s >= 0) {
+                const qsizetype l = doc.sections[s].keys.value(doc.lookupName(key), -1);
+                if (l >= 0) {
+                    value = readValue(doc, doc.lines[l]);
+                    found = true;
+                }
+            }
+        }
+    }
+    if (!found) {
+        value = DecodeAnsi(EncodeAnsi(cString(defaultValue)));
+        while (value.endsWith(u' '))
+            value.chop(1);
+    }
+    const qsizetype n = std::min(value.size(), size - 1);
+    std::copy_n(value.constData(), n, buffer);
+    buffer[n] = QChar(0);
+    return n;
+}
+
+bool WriteString(const QString& section, const std::optional<QString>& key,
+                 const std::optional<QString>& value, const QString& fileName)
+{
+    if (key && value)
+        return WriteStrings(section, {{*key, *value}}, fileName);
+
+    QMutexLocker lock(&cache().mutex);
+    const Loaded loaded = load(fileName);
+    if (loaded.status != Status::Ok)
+        return loaded.status == Status::Missing; // nothing there to remove
+    const Document& doc = *loaded.doc;
+    const qsizetype s = doc.sectionIndex.value(doc.lookupName(section), -1);
+    if (s < 0)
+        return true;
+    const Section& sec = doc.sections[s];
+    if (!key)
+        return store(fileName, withoutLines(doc, sec.header, sec.end - 1));
+    const qsizetype l = sec.keys.value(doc.lookupName(*key), -1);
+    return l < 0 || store(fileName, withoutLines(doc, l, l));
+}
+
+bool WriteStrings(const QString& section, const QList<std::pair<QString, QString>>& values,
+                  const QString& fileName)
+{
+    QMutexLocker lock(&cache().mutex);
+    const Loaded loaded = load(fileName);
+    if (loaded.status == Status::Unusable)
+        return false;
+    static const Document noFile;
+    const Document& doc = loaded.doc ? *loaded.doc : noFile;
+
+    // One entry per key, where the key first appears, with the last value given for it.
+    struct Entry {
+        QString name;
+        QString folded;
+        QString value;
+    };
+    QList<Entry> entries;
+    QHash<QString, qsizetype> byName;
+    for (const auto& [k, v] : values) {
+        const QString name = trimmedText(oneLine(k));
+        const QString folded = doc.lookupName(name);
+        if (const qsizetype i = byName.value(folded, -1); i >= 0) {
+            entries[i].value = oneLine(v);
+        } else {
+            byName.insert(folded, entries.size());
+            entries.append({name, folded, oneLine(v)});
+        }
+    }
+    if (entries.isEmpty())
+        return true;
+    const auto newLine = [&doc](QByteArrayView name, const QString& value) {
+        return name.toByteArray() + '=' + doc.encode(value) + "\r\n";
+    };
+
+    QByteArray out;
+    const qsizetype s = doc.sectionIndex.value(doc.lookupName(section), -1);
+    if (s < 0) {
+        out = doc.data;
+        if (!out.isEmpty() && !out.endsWith('\n'))
+            out += "\r\n";
+        out += '[' + doc.encode(trimmedText(oneLine(section))) + "]\r\n";
+        for (const Entry& e : entries)
+            out += newLine(doc.encode(e.name), e.value);
+    } else {
+        const Section& sec = doc.sections[s];
+        QHash<qsizetype, qsizetype> replaceAt; // line index -> entry
+        QByteArray appended;
+        for (qsizetype i = 0; i < entries.size(); ++i) {
+            if (const qsizetype l = sec.keys.value(entries[i].folded, -1); l >= 0)
+                replaceAt.insert(l, i);
+            else
+                appended += newLine(doc.encode(entries[i].name), entries[i].value);
+        }
+        // New keys go behind the section's last line that is not blank.
+        qsizetype insertAfter = sec.end - 1;
+        while (insertAfter > sec.header && isBlankLine(doc, doc.lines[insertAfter]))
+            --insertAfter;
+
+        out.reserve(doc.data.size() + appended.size() + 64);
+        const QByteArrayView data(doc.data);
+        out += data.first(doc.lines.isEmpty() ? data.size() : doc.lines.front().start);
+        for (qsizetype l = 0; l < doc.lines.size(); ++l) {
+            const Line& line = doc.lines[l];
+            if (const qsizetype i = replaceAt.value(l, -1); i >= 0) {
+                out += newLine(trimmed(data.sliced(line.start, line.eq - line.start)),
+                               entries[i].value);
+            } else {
+                out += data.sliced(line.start, line.next - line.start);
+                if (l == insertAfter && !appended.isEmpty() && data[line.next - 1] != '\n')
+                    out += "\r\n"; // the file's last line had no line break
+            }
+            if (l == insertAfter)
+                out += appended;
+        }
+    }
+    if (loaded.doc && out == doc.data)
+        return true;
+    return store(fileName, out);
+}
+
+} // namespace zf::profile

@@ -1,0 +1,49 @@
+#pragma once
+
+// The private-profile functions that the settings class builds on: INI files read and
+// written the way the desktop platform's own profile API does it, so that hand-edited
+// files behave the same on every system.
+//
+// - Section and key names are found case-insensitively; blanks around names, values and
+//   the "=" do not count; a value enclosed in matching quotes is read without them.
+// - A missing file, section or key gives the default (its trailing blanks dropped); a key
+//   present with an empty value gives the empty text.
+// - A write creates file, section and key as needed, replaces an existing value in place
+//   and changes nothing but its own line: comments, blank lines, other sections and the
+//   order of everything else stay byte for byte.
+// - The file's text is Windows-1252, one byte per character; written lines end in "\r\n",
+//   "\r\n" and "\n" are both accepted when read.
+// - Every text goes through the code page (what it cannot hold becomes "?") and, as a C
+//   string, ends at its first NUL.
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringView>
+
+#include <optional>
+#include <utility>
+
+namespace zf::profile {
+
+// Windows-1252. The five bytes that the code page leaves undefined map to U+0081, U+008D,
+// U+008F, U+0090 and U+009D and back, so any file survives a read and a rewrite unchanged.
+QString DecodeAnsi(QByteArrayView bytes);
+QByteArray EncodeAnsi(QStringView text);
+
+// Copies the value of the key (or the default) into buffer, cut to size - 1 characters
+// and ended by a NUL; returns the number of characters copied.
+qsizetype GetString(const QString& section, const QString& key, const QString& defaultValue,
+                    QChar* buffer, qsizetype size, const QString& fileName);
+
+// Writes key = value in section. A null key removes the whole section, a null value
+// removes the key. Returns false when the file could not be read or written.
+bool WriteString(const QString& section, const std::optional<QString>& key,
+                 const std::optional<QString>& value, const QString& fileName);
+
+// Several keys of one section with a single rewrite of the file; the result is the same as
+// writing them one after the other.
+bool WriteStrings(const QString& section, const QList<std::pair<QString, QString>>& values,
+                  const QString& fileName);
+
+} // namespace zf::profile
