@@ -3,6 +3,7 @@
 #include "cli.h"
 
 #include "analysis/analyser.h"
+#include "settings/settings.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -123,6 +124,7 @@ QString analyseInput(const AnalyseOptions& o, AnalyseRun& run)
 
     Session& session = run.session;
     session.rows.FillDefaultFieldLists();
+    LoadSettings(o.iniFile.isEmpty() ? settingsFilePath() : o.iniFile, session.state, session.rows);
     session.state.ChosenSeparator = o.separator;
 
     Seams seams;
