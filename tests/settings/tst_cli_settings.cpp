@@ -71,7 +71,6 @@ class TestCliSettings : public QObject {
 private slots:
     void iniOption();
     void fileBesideTheProgram();
-    void missingIniIsAUsageError();
 };
 
 void TestCliSettings::iniOption()
@@ -109,14 +108,6 @@ void TestCliSettings::fileBesideTheProgram()
     QCOMPARE(with.exitCode, 0);
     QCOMPARE(extras(with.json).size(), 1);
     QVERIFY(rows(with.json).contains(u"Schweiz:Staat"_s));
-}
-
-void TestCliSettings::missingIniIsAUsageError()
-{
-    QTemporaryDir dir;
-    const Run r = runCli(QStringLiteral(ZF_CLI_PATH),
-                         {u"analyse"_s, u"--ini"_s, dir.filePath(u"fehlt.ini"_s)});
-    QCOMPARE(r.exitCode, 2);
 }
 
 QTEST_GUILESS_MAIN(TestCliSettings)

@@ -47,8 +47,6 @@ private slots:
     void rewriteOfSameSizeIsSeen();
     void write_data();
     void write();
-    void writeThenRead_data();
-    void writeThenRead();
     void writeSectionEqualsSingleWrites_data();
     void writeSectionEqualsSingleWrites();
     void deleteSection_data();
@@ -297,31 +295,6 @@ void TestClsIni::write()
     ini.setFileName(path());
     ini.WriteData(section, key, value);
     QCOMPARE(readBytes(path()), after);
-}
-
-void TestClsIni::writeThenRead_data()
-{
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("plain") << "25;Firma"
-                           << "25;Firma";
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("Windows-1252") << "Österreich € ß"
-                                  << "Österreich € ß";
-    QTest::newRow("outside the code page") << "Łódź 😀"
-                                           << "?ód? ?";
-    QTest::newRow("NUL ends the text") << QString(u"ab\0cd"_s) << "ab";
-}
-
-void TestClsIni::writeThenRead()
-{
-    QFETCH(QString, value);
-    QFETCH(QString, expected);
-    clsINI ini;
-    ini.setFileName(path());
-    ini.WriteData(u"S"_s, u"K"_s, value);
-    QCOMPARE(ini.ReadData(u"S"_s, u"K"_s, u"default"_s), expected);
 }
 
 void TestClsIni::writeSectionEqualsSingleWrites_data()
