@@ -2,9 +2,9 @@
 
 #include "analysis/session.h"
 #include "messages.h"
+#include "settings/clsini.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QProcess>
 
 using namespace Qt::StringLiterals;
@@ -16,8 +16,8 @@ UpdateOutcome LaunchUpdate(const QString& programDir, QWidget* parent)
     if (ShowMessage(msg::UpdateConfirm, StyleQuestion, parent) != AnswerYes)
         return UpdateOutcome::Declined;
     const QString program = QDir(programDir).filePath(QString::fromUtf16(UpdateProgramName));
-    // A folder of that name is no program.
-    if (!QFileInfo(program).isFile()) {
+    // The same test as for the settings file: a folder or a hidden file is no program.
+    if (!FileExists(program)) {
         ShowMessage(msg::UpdateMissing, StyleExclamation, parent);
         return UpdateOutcome::Missing;
     }
