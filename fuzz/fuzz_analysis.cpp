@@ -26,8 +26,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const QString text =
         QString::fromUtf8(reinterpret_cast<const char*>(data + 1), qsizetype(size - 1));
 
-    static const QString separators[] = {u""_s, u","_s, u" "_s, u"\n"_s, u"ab"_s, u"."_s,
-                                         u"\r"_s, u"\u00df"_s};
+    static const QString separators[] = {u""_s,   u","_s, u" "_s,  u"\n"_s,
+                                         u"ab"_s, u"."_s, u"\r"_s, u"\u00df"_s};
     Session session;
     session.rows.FillDefaultFieldLists();
     session.state.ChosenSeparator = separators[mode & 7];
