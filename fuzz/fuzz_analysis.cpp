@@ -3,19 +3,13 @@
 
 #include "analysis/analyser.h"
 
+#include "require.h"
+
 #include <cstddef>
 #include <cstdint>
 
 using namespace Qt::StringLiterals;
 using namespace zf;
-
-namespace {
-void require(bool condition)
-{
-    if (!condition)
-        __builtin_trap();
-}
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

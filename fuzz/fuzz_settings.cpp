@@ -6,19 +6,13 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "require.h"
+
 #include <cstddef>
 #include <cstdint>
 
 using namespace Qt::StringLiterals;
 using namespace zf;
-
-namespace {
-void require(bool condition)
-{
-    if (!condition)
-        __builtin_trap();
-}
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

@@ -2,18 +2,12 @@
 
 #include "act/vcard.h"
 
+#include "require.h"
+
 #include <cstddef>
 #include <cstdint>
 
 using namespace zf::act;
-
-namespace {
-void require(bool condition)
-{
-    if (!condition)
-        __builtin_trap();
-}
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

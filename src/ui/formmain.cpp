@@ -114,7 +114,7 @@ void formMain::buildRows()
 
 void formMain::buildButtons()
 {
-    struct Spec {
+    struct ButtonDef {
         QPushButton*& button;
         const char16_t* name;
         const char16_t* icon;
@@ -124,7 +124,7 @@ void formMain::buildButtons()
         qreal points;
         bool bold;
     };
-    const Spec specs[] = {
+    const ButtonDef buttons[] = {
         {cmdGetClipboard,
          u"cmdGetClipboard",
          u":/icons/clipboard.svg",
@@ -185,7 +185,7 @@ void formMain::buildButtons()
          9.75,
          false},
     };
-    for (const Spec& s : specs) {
+    for (const ButtonDef& s : buttons) {
         auto* button = new QPushButton(QIcon(QString::fromUtf16(s.icon)), s.caption, this);
         button->setObjectName(QString::fromUtf16(s.name));
         button->setToolTip(s.tooltip);

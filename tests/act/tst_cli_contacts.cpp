@@ -7,29 +7,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "clirun.h"
+
 namespace {
-
-struct Run {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-    QJsonObject json() const { return QJsonDocument::fromJson(out).object(); }
-};
-
-Run runCli(const QStringList& args, const QByteArray& input = {})
-{
-    QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.remove("ZETTELFISCHER_CONTACTS");
-    p.setProcessEnvironment(env);
-    p.start(ZF_CLI_PATH, args);
-    p.write(input);
-    p.closeWriteChannel();
-    if (!p.waitForFinished(30000))
-        p.kill();
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
-            p.readAllStandardError()};
-}
 
 const QByteArray Signature = "Beispiel GmbH\nMax Muster\nHauptstr. 5\n1010 Wien\n"
                              "Tel: 01 234567\nmax@example.at\n";
@@ -69,7 +49,7 @@ void TestCliContacts::transferThenContacts()
 {
     QTemporaryDir dir;
     const QString path = dir.filePath("neu/kontakte.sqlite");
-    Run r = runCli({"transfer", "--new", "--contacts", path}, Signature);
+    CliRun r = runCli({"transfer", "--new", "--contacts", path}, Signature);
     QCOMPARE(r.exitCode, 0);
     QJsonObject json = r.json();
     QCOMPARE(json["mode"].toString(), "new");
@@ -101,7 +81,7 @@ void TestCliContacts::contactsSubcommands()
     QCOMPARE(runCli({"transfer", "--new", "--contacts", path}, Signature).exitCode, 0);
     QCOMPARE(runCli({"transfer", "--new", "--contacts", path}, "Zweite Firma GmbH\n").exitCode, 0);
 
-    Run r = runCli({"contacts", "--contacts", path, "current"});
+    CliRun r = runCli({"contacts", "--contacts", path, "current"});
     QCOMPARE(r.out, "2\t\tZweite Firma GmbH\tcurrent\n");
     r = runCli({"contacts", "--contacts", path, "current", "1"});
     QCOMPARE(r.exitCode, 0);
@@ -158,7 +138,7 @@ void TestCliContacts::usageErrors()
     args << "--contacts=" + book();
     if (args.contains("--contacts"))
         args.removeLast();
-    const Run r = runCli(args);
+    const CliRun r = runCli(args);
     QCOMPARE(r.exitCode, 2);
     QVERIFY(r.err.startsWith("zettelfischer-cli: "));
     QVERIFY(!QFile::exists(book())); // nothing is created for a wrong command line
@@ -180,7 +160,7 @@ void TestCliContacts::unusableBook()
     QVERIFY(f.open(QIODevice::WriteOnly));
     f.write("Name;Telefon\nMax;123\n");
     f.close();
-    const Run r = runCli(args << "--contacts" << path, Signature);
+    const CliRun r = runCli(args << "--contacts" << path, Signature);
     QCOMPARE(r.exitCode, 1);
     QVERIFY2(r.err.contains("is not a contact book"), r.err.constData());
     QVERIFY(f.open(QIODevice::ReadOnly));
@@ -190,7 +170,7 @@ void TestCliContacts::unusableBook()
 
 void TestCliContacts::transferWithoutData()
 {
-    const Run r = runCli({"transfer", "--edit", "--raw", "--contacts", book()}, "   ");
+    const CliRun r = runCli({"transfer", "--edit", "--raw", "--contacts", book()}, "   ");
     QCOMPARE(r.exitCode, 1);
     QVERIFY2(r.err.contains("Keine Daten vorhanden."), r.err.constData());
     QCOMPARE(r.json()["transferred"].toBool(), false);

@@ -7,28 +7,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "clirun.h"
+
 using namespace Qt::StringLiterals;
 
 namespace {
-
-struct Run {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-    QJsonObject json() const { return QJsonDocument::fromJson(out).object(); }
-};
-
-Run runCli(const QStringList& args, const QByteArray& input = {})
-{
-    QProcess p;
-    p.start(QStringLiteral(ZF_CLI_PATH), args);
-    p.write(input);
-    p.closeWriteChannel();
-    if (!p.waitForFinished(30000))
-        p.kill();
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
-            p.readAllStandardError()};
-}
 
 QString rowText(const QJsonObject& row)
 {
@@ -53,7 +36,7 @@ class TestCli : public QObject {
 private slots:
     void signatureEndToEnd()
     {
-        const Run r =
+        const CliRun r =
             runCli({u"analyse"_s},
                    "Muster GmbH\r\nHerr Hans Meier\r\nMusterweg 12\r\n80331 M\xc3\xbcnchen\r\n"
                    "Tel. 089 123456\r\nFax 089 123457\r\ninfo@muster.de\r\nwww.muster.de\r\n");
@@ -106,7 +89,7 @@ private slots:
         QFETCH(QString, message);
         QFETCH(int, style);
         QFETCH(QString, clipText);
-        const Run r = runCli(QStringList{u"analyse"_s} + args, input);
+        const CliRun r = runCli(QStringList{u"analyse"_s} + args, input);
         QCOMPARE(r.exitCode, 0);
         const QJsonObject json = r.json();
         const QJsonArray messages = json[u"messages"_s].toArray();
@@ -126,7 +109,7 @@ private slots:
         QVERIFY(f.open(QIODevice::WriteOnly));
         f.write("D-12345 Berlin\n");
         f.close();
-        const Run r = runCli({u"analyse"_s, u"--trace"_s, u"--file"_s, file});
+        const CliRun r = runCli({u"analyse"_s, u"--trace"_s, u"--file"_s, file});
         QCOMPARE(r.exitCode, 0);
         const QJsonArray lines = r.json()[u"lines"_s].toArray();
         QCOMPARE(lines.size(), 3);
@@ -141,7 +124,7 @@ private slots:
 
     void failureIsReported()
     {
-        const Run r = runCli({u"analyse"_s}, "A\n" + QByteArray(40000, 'x') + "\n");
+        const CliRun r = runCli({u"analyse"_s}, "A\n" + QByteArray(40000, 'x') + "\n");
         QCOMPARE(r.exitCode, 0);
         QCOMPARE(r.json()[u"completed"_s].toBool(), false);
         QCOMPARE(r.json()[u"clipText"_s].toString(), u"A\r\n"_s);
@@ -161,7 +144,7 @@ private slots:
     void usageErrors()
     {
         QFETCH(QStringList, args);
-        const Run r = runCli(args, "A\n");
+        const CliRun r = runCli(args, "A\n");
         QCOMPARE(r.exitCode, 2);
         QVERIFY(r.out.isEmpty());
         QCOMPARE(r.err.count('\n'), 2); // the error and the hint
@@ -170,7 +153,7 @@ private slots:
 
     void help()
     {
-        const Run r = runCli({u"--help"_s});
+        const CliRun r = runCli({u"--help"_s});
         QCOMPARE(r.exitCode, 0);
         QVERIFY(r.out.contains("--separator"));
         QVERIFY(r.out.contains("--trace"));
