@@ -29,7 +29,10 @@ QStringList upperList(std::initializer_list<QString> words)
 struct Probe {
     QString text;
     QString upper;
+    Probe(QString t, QString u) : text(std::move(t)), upper(std::move(u)) {}
     explicit Probe(const QString& t) : text(t), upper(UpperEach(t)) {}
+    // The same line with a blank at both ends, from what is already upper-cased.
+    Probe padded() const { return Probe(u' ' + text + u' ', u' ' + upper + u' '); }
 
     bool contains(const QStringList& upperWords) const
     {
@@ -315,7 +318,7 @@ void ScoreKeywords(LineList& lines, LineList::iterator cur, int pos, PassFlags& 
         if (q.size() < 6 && CountDigits(q) > 3 && d <= 5)
             addChecked(z.Ort, 10);
     }
-    const Probe padded(u' ' + z.Text + u' ');
+    const Probe padded = w.padded();
     if (w.contains(companySigns) || padded.contains(legalForms)) { // rule 5
         addChecked(z.Firma, 3);
         if (pos == 2)
