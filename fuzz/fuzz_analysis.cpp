@@ -1,48 +1,115 @@
-// Any text, any chosen separator, any definitions: the analysis must finish, never crash,
-// and leave the rows consistent.
+// Any text, any chosen separator, any settings: the analysis must finish, never crash, and
+// leave the rows and the clipboard box consistent.
+//
+// Input: one mode byte, then the clipboard text (UTF-8), then settings records, each behind a
+// 0xFF byte (never part of UTF-8 text, so the text loses nothing it could carry):
+//   'S' text        chosen separator
+//   '4' text        default country for 4-digit postcodes ('5' for 5-digit ones)
+//   'D' id text    a labelled definition: the field id in digits, a blank, the label
+//   'F' id text    a field of the field list; the first one replaces the built-in list
+// A record whose id is not a 16-bit number is left out.
+// Mode bits: 1 analyse directly (else the clipboard fetch), 2 the separator chooser answers
+// ",", 4 the fetch is the silent one of the start-up.
 
 #include "analysis/analyser.h"
 
 #include "require.h"
 
+#include <QByteArray>
+
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace zf;
+
+namespace {
+
+// "D88 Abteilung:" -> 88 and "Abteilung:".
+std::optional<std::pair<qint16, QString>> idAndText(const QByteArray& record)
+{
+    const qsizetype blank = record.indexOf(' ');
+    bool ok = false;
+    const qint16 id = record.mid(1, blank < 0 ? -1 : blank - 1).toShort(&ok);
+    if (!ok)
+        return std::nullopt;
+    return std::pair{id, blank < 0 ? QString() : QString::fromUtf8(record.mid(blank + 1))};
+}
+
+void applySettings(const QList<QByteArray>& records, Session& session)
+{
+    bool ownFieldList = false;
+    for (const QByteArray& r : records) {
+        if (r.isEmpty())
+            continue;
+        const QString text = QString::fromUtf8(r.mid(1));
+        switch (r.at(0)) {
+        case 'S':
+            session.state.ChosenSeparator = text;
+            break;
+        case '4':
+            session.state.StandardLand4PLZ = text;
+            break;
+        case '5':
+            session.state.StandardLand5PLZ = text;
+            break;
+        case 'D':
+            if (const auto def = idAndText(r)) {
+                session.state.ExtraDefinitions.append({def->first, def->second});
+                session.state.ExtraDefinitionsLoaded = true;
+            }
+            break;
+        case 'F':
+            if (const auto field = idAndText(r)) {
+                if (!ownFieldList)
+                    session.rows.clearFields();
+                ownFieldList = true;
+                session.rows.addField(field->second, field->first);
+            }
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     if (size < 1)
         return 0;
-    // The first byte picks the mode; the rest is the clipboard text.
     const uint8_t mode = data[0];
-    const QString text =
-        QString::fromUtf8(reinterpret_cast<const char*>(data + 1), qsizetype(size - 1));
+    const QList<QByteArray> parts =
+        QByteArray(reinterpret_cast<const char*>(data + 1), qsizetype(size - 1)).split('\xff');
+    const QString text = QString::fromUtf8(parts.front());
 
-    static const QString separators[] = {u""_s,   u","_s, u" "_s,  u"\n"_s,
-                                         u"ab"_s, u"."_s, u"\r"_s, u"\u00df"_s};
     Session session;
     session.rows.FillDefaultFieldLists();
-    session.state.ChosenSeparator = separators[mode & 7];
-    if (mode & 8) {
-        session.state.ExtraDefinitionsLoaded = true;
-        session.state.ExtraDefinitions = {{88, u"Abteilung:"_s}, {-1, u"A"_s}, {12, u"Kd"_s}};
-    }
+    applySettings(parts.mid(1), session);
+
     int messages = 0;
     Seams seams;
     seams.showMessage = [&messages](const QString&, int) { return ++messages, 1; };
-    seams.chooseSeparator = [mode] { return (mode & 16) ? u","_s : QString(); };
+    seams.chooseSeparator = [mode] { return (mode & 2) ? u","_s : QString(); };
 
-    if (mode & 32)
+    if (mode & 1)
         AnalyseText(text, session, seams);
     else
-        FetchClipboardText(text, session, seams);
+        FetchClipboardText(text, session, seams, mode & 4);
 
     require(messages <= 1);
     for (int row = 0; row < FieldRows::RowCount; ++row)
         require(session.rows.selected(row) < session.rows.fields().count());
     // Every line in the box ends with a line break.
     require(session.clipText.isEmpty() || session.clipText.endsWith(u"\r\n"_s));
+    // A found value belongs to a configured label.
+    for (const clsZusatzDefs& found : session.state.ExtraFieldValues)
+        require(std::any_of(session.state.ExtraDefinitions.cbegin(),
+                            session.state.ExtraDefinitions.cend(),
+                            [&found](const clsZusatzDefs& d) { return d.ID == found.ID; }));
     return 0;
 }
