@@ -1,31 +1,71 @@
-// Any field values: the export must produce folded UTF-8 lines of at most 75 octets.
+// Any field values: the export must stay one well-formed card of folded UTF-8 lines.
+//
+// Input: records behind 0x01 bytes, each a field byte, then label and value divided by a NUL
+// byte. Field bytes 'A' to 'T' pick one of the twenty standard fields, others any other id.
 
 #include "act/vcard.h"
 
 #include "require.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 using namespace zf::act;
 
+namespace {
+
+constexpr qint32 StandardIds[20] = {25, 88, 40, 26,  79, 78, 27, 32, 30, 33,
+                                    35, 36, 38, 200, 94, 46, 28, 29, 74, 77};
+
+qint32 fieldId(uint8_t b)
+{
+    return b >= 'A' && b < 'A' + 20 ? StandardIds[b - 'A'] : qint32(int8_t(b)) * 1009;
+}
+
+bool isStandard(qint32 id)
+{
+    return std::find(std::begin(StandardIds), std::end(StandardIds), id) != std::end(StandardIds);
+}
+
+} // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    // Records of: field id byte, then label and value separated by NUL bytes.
     QList<BookValue> values;
+    int extraLines = 0;
     const QByteArray all(reinterpret_cast<const char*>(data), qsizetype(size));
     for (const QByteArray& record : all.split('\x01')) {
         if (record.isEmpty())
             continue;
         const QList<QByteArray> parts = record.mid(1).split('\0');
-        values.append(BookValue{qint32(uint8_t(record[0])) * 3 - 100,
-                                QString::fromUtf8(parts.value(0)),
-                                QString::fromUtf8(parts.value(1))});
+        const BookValue v{fieldId(uint8_t(record[0])), QString::fromUtf8(parts.value(0)),
+                          QString::fromUtf8(parts.value(1))};
+        extraLines += !v.value.isEmpty() && !isStandard(v.fieldId);
+        values.append(v);
     }
+
     const QByteArray card = contactToVCard(values);
-    require(card.isEmpty() || card.endsWith("\r\n"));
+    require(card.startsWith("BEGIN:VCARD\r\nVERSION:4.0\r\nFN:"));
+    require(card.endsWith("\r\nEND:VCARD\r\n"));
+    require(QString::fromUtf8(card).toUtf8() == card); // no character cut by the folding
+    // Line breaks only as CRLF; every physical line holds at most 75 octets.
+    require(card.count('\r') == card.count('\n') && card.count("\r\n") == card.count('\n'));
     for (const QByteArray& line : card.split('\n'))
         require(line.size() <= 76); // 75 octets and the CR
-    require(QString::fromUtf8(card).toUtf8() == card);
+
+    // Unfolded, every content line is a property: a name, then a colon.
+    QByteArray unfolded = card;
+    unfolded.replace("\r\n ", "");
+    int extrasSeen = 0;
+    const QList<QByteArray> lines = unfolded.split('\n');
+    for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
+        const QByteArray& line = lines[i];
+        require(!line.isEmpty() && line.front() >= 'A' && line.front() <= 'Z' &&
+                line.contains(':'));
+        extrasSeen += line.startsWith("X-ZETTELFISCHER-FIELD-");
+    }
+    require(extrasSeen == extraLines);
     return 0;
 }
