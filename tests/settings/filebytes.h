@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QByteArray>
 #include <QFile>
-#include <QString>
 #include <QTest>
 
 // Byte-exact file access for the INI tests: the file's bytes are what is checked.
