@@ -13,13 +13,17 @@
 
 namespace zf::act::test {
 
-using namespace Qt::StringLiterals;
+// The failure messages as the window hooks record them.
+inline const QString CreateFailed = "message(Kontakt konnte nicht angelegt werden.,48)";
+inline const QString EditFailed = "message(Kontakt konnte nicht bearbeitet werden.,48)";
+inline const QString FieldsFailed =
+    "message(Die Felder konnten nicht aus der Datenbank gelesen werden. "
+    "Möglicherweise ist ACT! geschlossen.,48)";
 
 struct Recorder {
     QStringList calls;
     int failAt = -1; // index among the automation calls (not the hooks) that throws
     int automationCalls = 0;
-    bool createWrongObject = false;
 
     std::optional<bool> running = true;
     std::optional<bool> open = true;
@@ -30,155 +34,108 @@ struct Recorder {
     {
         calls << call;
         if (automationCalls++ == failAt)
-            throw ActError(u"injected at "_s + call);
+            throw ActError("injected at " + call);
     }
 
     WindowHooks hooks()
     {
         WindowHooks h;
-        h.setBusyCursor = [this](bool busy) { calls << u"busy(%1)"_s.arg(int(busy)); };
-        h.setTopMost = [this](bool onTop) { calls << u"topMost(%1)"_s.arg(int(onTop)); };
-        h.repaint = [this] { calls << u"repaint"_s; };
+        h.setBusyCursor = [this](bool busy) { calls << QString("busy(%1)").arg(int(busy)); };
+        h.setTopMost = [this](bool onTop) { calls << QString("topMost(%1)").arg(int(onTop)); };
+        h.repaint = [this] { calls << "repaint"; };
         h.showMessage = [this](const QString& text, int style) {
-            calls << u"message(%1,%2)"_s.arg(text).arg(style);
+            calls << QString("message(%1,%2)").arg(text).arg(style);
             return 1;
         };
         h.showCompletionPrompt = [this](bool created) {
-            calls << u"prompt(%1)"_s.arg(int(created));
+            calls << QString("prompt(%1)").arg(int(created));
             return completionChoice;
         };
-        h.fetchClipboard = [this] { calls << u"fetchClipboard"_s; };
-        h.saveFieldCache = [this] { calls << u"saveFieldCache"_s; };
-        h.closeProgram = [this] { calls << u"closeProgram"_s; };
-        h.focusMainWindow = [this] { calls << u"focus"_s; };
+        h.fetchClipboard = [this] { calls << "fetchClipboard"; };
+        h.saveFieldCache = [this] { calls << "saveFieldCache"; };
+        h.closeProgram = [this] { calls << "closeProgram"; };
+        h.focusMainWindow = [this] { calls << "focus"; };
         return h;
     }
 };
 
-class FakeContactView : public ContactViewObject {
+// One class plays every automation object; each instance records its release under the role
+// it was made for, so the release order shows in the call list.
+class FakeObject : public ApplicationObject,
+                   public ViewsObject,
+                   public ContactViewObject,
+                   public DatabaseObject,
+                   public ContactObject,
+                   public FieldsObject {
 public:
-    explicit FakeContactView(Recorder& r) : m_r(r) {}
-    ~FakeContactView() override { m_r.calls << u"~ContactView"_s; }
-    void AddNewContact() override { m_r.automation(u"AddNewContact()"_s); }
-    void SetField(qint32 id, const QString& value) override
+    FakeObject(Recorder& r, const QString& role) : r(r), role(role) {}
+    ~FakeObject() override
     {
-        m_r.automation(u"SetField(%1,%2)"_s.arg(id).arg(value));
+        if (!role.isEmpty())
+            r.calls << "~" + role;
     }
-
-private:
-    Recorder& m_r;
-};
-
-class FakeViews : public ViewsObject {
-public:
-    explicit FakeViews(Recorder& r) : m_r(r) {}
-    ~FakeViews() override { m_r.calls << u"~Views"_s; }
+    std::shared_ptr<ViewsObject> Views() override { return made("Views()", "Views"); }
     std::shared_ptr<ContactViewObject> Create(qint16 type, const QString& name) override
     {
-        m_r.automation(u"Create(%1,%2)"_s.arg(type).arg(name));
-        return std::make_shared<FakeContactView>(m_r);
+        return made(QString("Create(%1,%2)").arg(type).arg(name), "ContactView");
     }
-
-private:
-    Recorder& m_r;
-};
-
-class FakeApplication : public ApplicationObject {
-public:
-    explicit FakeApplication(Recorder& r) : m_r(r) {}
-    ~FakeApplication() override { m_r.calls << u"~Application"_s; }
-    std::shared_ptr<ViewsObject> Views() override
+    void AddNewContact() override { r.automation("AddNewContact()"); }
+    void SetField(qint32 id, const QString& value) override
     {
-        m_r.automation(u"Views()"_s);
-        return std::make_shared<FakeViews>(m_r);
+        r.automation(QString("SetField(%1,%2)").arg(id).arg(value));
     }
-
-private:
-    Recorder& m_r;
-};
-
-class FakeFields : public FieldsObject {
-public:
-    explicit FakeFields(Recorder& r) : m_r(r) {}
+    void OpenEx(const QString& path) override { r.automation(QString("OpenEx(%1)").arg(path)); }
+    std::optional<bool> IsOpen() override { return answer("IsOpen()", r.open); }
+    std::shared_ptr<ContactObject> Contact() override { return made("Contact()", ""); }
+    std::shared_ptr<FieldsObject> Fields() override { return made("Fields()", ""); }
+    qint16 FieldCount() override { return answer("FieldCount()", qint16(r.fields.size())); }
     qint32 FieldIdAt(qint16 pos) override
     {
-        m_r.automation(u"FieldIdAt(%1)"_s.arg(pos));
-        return m_r.fields.at(pos).first;
+        return answer(QString("FieldIdAt(%1)").arg(pos), r.fields.value(pos).first);
     }
     QString Label(qint32 id) override
     {
-        m_r.automation(u"Label(%1)"_s.arg(id));
-        for (const auto& [fieldId, label] : m_r.fields)
+        r.automation(QString("Label(%1)").arg(id));
+        for (const auto& [fieldId, label] : r.fields)
             if (fieldId == id)
                 return label;
         return {};
     }
 
 private:
-    Recorder& m_r;
-};
-
-class FakeContact : public ContactObject {
-public:
-    explicit FakeContact(Recorder& r) : m_r(r) {}
-    std::shared_ptr<FieldsObject> Fields() override
+    template <typename T> T answer(const QString& call, T value)
     {
-        m_r.automation(u"Fields()"_s);
-        return std::make_shared<FakeFields>(m_r);
+        r.automation(call);
+        return value;
     }
-    qint16 FieldCount() override
+    std::shared_ptr<FakeObject> made(const QString& call, const QString& madeRole)
     {
-        m_r.automation(u"FieldCount()"_s);
-        return qint16(m_r.fields.size());
+        r.automation(call);
+        return std::make_shared<FakeObject>(r, madeRole);
     }
-
-private:
-    Recorder& m_r;
-};
-
-class FakeDatabase : public DatabaseObject {
-public:
-    explicit FakeDatabase(Recorder& r) : m_r(r) {}
-    ~FakeDatabase() override { m_r.calls << u"~Database"_s; }
-    void OpenEx(const QString& path) override { m_r.automation(u"OpenEx(%1)"_s.arg(path)); }
-    std::optional<bool> IsOpen() override
-    {
-        m_r.automation(u"IsOpen()"_s);
-        return m_r.open;
-    }
-    std::shared_ptr<ContactObject> Contact() override
-    {
-        m_r.automation(u"Contact()"_s);
-        return std::make_shared<FakeContact>(m_r);
-    }
-
-private:
-    Recorder& m_r;
+    Recorder& r;
+    QString role;
 };
 
 class FakeFactory : public ObjectFactory, public EventControl {
 public:
-    explicit FakeFactory(Recorder& r) : m_r(r) {}
+    explicit FakeFactory(Recorder& r) : r(r) {}
     std::shared_ptr<AutomationObject> CreateObject(const QString& progId) override
     {
-        m_r.automation(u"CreateObject(%1)"_s.arg(progId));
-        if (m_r.createWrongObject)
-            return std::make_shared<FakeFields>(m_r);
-        if (progId == ProgIdApplication)
-            return std::make_shared<FakeApplication>(m_r);
-        if (progId == ProgIdDatabase)
-            return std::make_shared<FakeDatabase>(m_r);
-        return nullptr;
+        r.automation(QString("CreateObject(%1)").arg(progId));
+        const bool app = progId == ProgIdApplication;
+        return std::shared_ptr<ApplicationObject>(
+            std::make_shared<FakeObject>(r, app ? "Application" : "Database"));
     }
     EventControl& eventControl() override { return *this; }
     std::optional<bool> IsActRunning() override
     {
-        m_r.automation(u"IsActRunning()"_s);
-        return m_r.running;
+        r.automation("IsActRunning()");
+        return r.running;
     }
 
 private:
-    Recorder& m_r;
+    Recorder& r;
 };
 
 } // namespace zf::act::test

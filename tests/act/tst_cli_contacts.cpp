@@ -26,157 +26,134 @@ QMap<int, QString> fieldsOf(const QJsonObject& contact)
 
 class TestCliContacts : public QObject {
     Q_OBJECT
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QString book() const { return m_dir->filePath("kontakte.sqlite"); }
+    CliRun contacts(const QStringList& args, const QByteArray& input = {})
+    {
+        return runCli(QStringList{"contacts", "--contacts", book()} + args, input);
+    }
+    CliRun transfer(const QString& mode, const QByteArray& input)
+    {
+        return runCli({"transfer", mode, "--contacts", book()}, input);
+    }
+
 private slots:
     void init()
     {
         m_dir = std::make_unique<QTemporaryDir>();
         QVERIFY(m_dir->isValid());
     }
-    void transferThenContacts();
-    void contactsSubcommands();
-    void usageErrors_data();
-    void usageErrors();
-    void unusableBook_data();
-    void unusableBook();
-    void transferWithoutData();
 
-private:
-    QString book() const { return m_dir->filePath("kontakte.sqlite"); }
-    std::unique_ptr<QTemporaryDir> m_dir;
+    void transferThenContacts()
+    {
+        CliRun r = transfer("--new", Signature);
+        QCOMPARE(r.exitCode, 0);
+        QCOMPARE(r.json()["mode"].toString(), "new");
+        QCOMPARE(r.json()["transferred"].toBool(), true);
+        QCOMPARE(r.json()["contact"].toObject()["id"].toInt(), 1);
+        const QMap<int, QString> filed = fieldsOf(r.json()["contact"].toObject());
+        QCOMPARE(filed.value(30), "Wien");
+
+        r = runCli({"contacts", "show", "--contacts=" + book()});
+        QCOMPARE(fieldsOf(r.json()), filed);
+        QCOMPARE(r.json()["current"].toBool(), true);
+
+        // Edit writes into the current contact; no second contact appears.
+        r = runCli({"transfer", "--edit", "--contacts", book(), "--raw"}, "Neue Firma AG\n");
+        QCOMPARE(r.exitCode, 0);
+        QCOMPARE(r.json()["mode"].toString(), "edit");
+        QCOMPARE(contacts({"list"}).out, "1\tMax Muster\tNeue Firma AG\tcurrent\n");
+    }
+
+    void contactsSubcommands()
+    {
+        QCOMPARE(transfer("--new", Signature).exitCode, 0);
+        QCOMPARE(transfer("--new", "Zweite Firma GmbH\n").exitCode, 0);
+        QCOMPARE(contacts({"current"}).out, "2\t\tZweite Firma GmbH\tcurrent\n");
+        QCOMPARE(contacts({"current", "1"}).exitCode, 0);
+        QCOMPARE(contacts({"list"}).out,
+                 "1\tMax Muster\tBeispiel GmbH\tcurrent\n2\t\tZweite Firma GmbH\n");
+        CliRun r = contacts({"current", "7"});
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY(r.err.contains("no contact 7"));
+
+        QCOMPARE(contacts({"add-field", "32767"}).exitCode, 0);
+        QCOMPARE(contacts({"add-field", "300", "Geburtstag"}).exitCode, 0);
+        QCOMPARE(contacts({"add-field", "25", "Firma"}).exitCode, 1);
+        const QList<QByteArray> lines = contacts({"fields"}).out.split('\n');
+        QCOMPARE(lines.size(), 23);
+        QCOMPARE(lines.mid(20), (QList<QByteArray>{"32767\t", "300\tGeburtstag", ""}));
+
+        QCOMPARE(contacts({"export", "2"}).out,
+                 "BEGIN:VCARD\r\nVERSION:4.0\r\nFN:Zweite Firma GmbH\r\n"
+                 "ORG:Zweite Firma GmbH\r\nADR:;;;;;;Deutschland\r\nEND:VCARD\r\n");
+        r = contacts({"export"});
+        QCOMPARE(r.out.count("BEGIN:VCARD"), 2);
+        QVERIFY(r.out.contains("ADR:;;Hauptstr. 5;Wien;;1010;"));
+        r = contacts({"export", "1", "9"});
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY(r.out.isEmpty());
+    }
+
+    void usageErrors_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::newRow("no subcommand") << QStringList{"contacts"};
+        QTest::newRow("unknown subcommand") << QStringList{"contacts", "delete"};
+        QTest::newRow("bad id") << QStringList{"contacts", "show", "abc"};
+        QTest::newRow("zero id") << QStringList{"contacts", "show", "0"};
+        QTest::newRow("two ids") << QStringList{"contacts", "current", "1", "2"};
+        QTest::newRow("field id 32768") << QStringList{"contacts", "add-field", "32768"};
+        QTest::newRow("add-field without id") << QStringList{"contacts", "add-field"};
+        QTest::newRow("list argument") << QStringList{"contacts", "list", "x"};
+        QTest::newRow("missing book name") << QStringList{"contacts", "list", "--contacts"};
+        QTest::newRow("transfer without mode") << QStringList{"transfer"};
+        QTest::newRow("transfer both modes") << QStringList{"transfer", "--new", "--edit"};
+        QTest::newRow("transfer bad option") << QStringList{"transfer", "--new", "--bogus"};
+    }
+
+    void usageErrors()
+    {
+        QFETCH(QStringList, args);
+        if (!args.contains("--contacts"))
+            args << "--contacts=" + book();
+        const CliRun r = runCli(args);
+        QCOMPARE(r.exitCode, 2);
+        QVERIFY(r.err.startsWith("zettelfischer-cli: "));
+        QVERIFY(!QFile::exists(book())); // nothing is created for a wrong command line
+    }
+
+    void unusableBook_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::newRow("contacts") << QStringList{"contacts", "list"};
+        QTest::newRow("transfer") << QStringList{"transfer", "--new"};
+    }
+
+    void unusableBook()
+    {
+        QFETCH(QStringList, args);
+        QFile f(book());
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("Name;Telefon\nMax;123\n");
+        f.close();
+        const CliRun r = runCli(args << "--contacts" << book(), Signature);
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY2(r.err.contains("is not a contact book"), r.err.constData());
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QCOMPARE(f.readAll(), "Name;Telefon\nMax;123\n");
+    }
+
+    void transferWithoutData()
+    {
+        const CliRun r = runCli({"transfer", "--edit", "--raw", "--contacts", book()}, "   ");
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY2(r.err.contains("Keine Daten vorhanden."), r.err.constData());
+        QCOMPARE(r.json()["transferred"].toBool(), false);
+        QCOMPARE(r.json()["messages"].toArray()[0].toObject()["text"].toString(),
+                 "Keine Daten vorhanden.");
+    }
 };
-
-void TestCliContacts::transferThenContacts()
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath("neu/kontakte.sqlite");
-    CliRun r = runCli({"transfer", "--new", "--contacts", path}, Signature);
-    QCOMPARE(r.exitCode, 0);
-    QJsonObject json = r.json();
-    QCOMPARE(json["mode"].toString(), "new");
-    QCOMPARE(json["transferred"].toBool(), true);
-    QCOMPARE(json["contact"].toObject()["id"].toInt(), 1);
-    const QMap<int, QString> filed = fieldsOf(json["contact"].toObject());
-    QCOMPARE(filed.value(25), "Beispiel GmbH");
-    QCOMPARE(filed.value(30), "Wien");
-    QCOMPARE(filed.value(200), "max@example.at");
-
-    r = runCli({"contacts", "show", "--contacts=" + path});
-    QCOMPARE(r.exitCode, 0);
-    QCOMPARE(fieldsOf(r.json()), filed);
-    QCOMPARE(r.json()["current"].toBool(), true);
-    QCOMPARE(r.json()["fields"].toArray()[0].toObject()["label"].toString(), "Firma");
-
-    // Edit writes into the current contact; no second contact appears.
-    r = runCli({"transfer", "--edit", "--contacts", path, "--raw"}, "Neue Firma AG\n");
-    QCOMPARE(r.exitCode, 0);
-    QCOMPARE(r.json()["mode"].toString(), "edit");
-    r = runCli({"contacts", "--contacts", path, "list"});
-    QCOMPARE(r.exitCode, 0);
-    QCOMPARE(r.out, "1\tMax Muster\tNeue Firma AG\tcurrent\n");
-}
-
-void TestCliContacts::contactsSubcommands()
-{
-    const QString path = book();
-    QCOMPARE(runCli({"transfer", "--new", "--contacts", path}, Signature).exitCode, 0);
-    QCOMPARE(runCli({"transfer", "--new", "--contacts", path}, "Zweite Firma GmbH\n").exitCode, 0);
-
-    CliRun r = runCli({"contacts", "--contacts", path, "current"});
-    QCOMPARE(r.out, "2\t\tZweite Firma GmbH\tcurrent\n");
-    r = runCli({"contacts", "--contacts", path, "current", "1"});
-    QCOMPARE(r.exitCode, 0);
-    r = runCli({"contacts", "--contacts", path, "list"});
-    QCOMPARE(r.out, "1\tMax Muster\tBeispiel GmbH\tcurrent\n2\t\tZweite Firma GmbH\n");
-    r = runCli({"contacts", "--contacts", path, "current", "7"});
-    QCOMPARE(r.exitCode, 1);
-    QVERIFY(r.err.contains("no contact 7"));
-
-    QCOMPARE(runCli({"contacts", "--contacts", path, "add-field", "117"}).exitCode, 0);
-    QCOMPARE(runCli({"contacts", "--contacts", path, "add-field", "300", "Geburtstag"}).exitCode,
-             0);
-    r = runCli({"contacts", "--contacts", path, "add-field", "25", "Firma"});
-    QCOMPARE(r.exitCode, 1);
-    r = runCli({"contacts", "--contacts", path, "fields"});
-    const QList<QByteArray> lines = r.out.split('\n');
-    QCOMPARE(lines.size(), 23);
-    QCOMPARE(lines[0], "25\tFirma");
-    QCOMPARE(lines[20], "117\t");
-    QCOMPARE(lines[21], "300\tGeburtstag");
-
-    r = runCli({"contacts", "--contacts", path, "export", "2"});
-    QCOMPARE(r.exitCode, 0);
-    QCOMPARE(r.out, "BEGIN:VCARD\r\nVERSION:4.0\r\nFN:Zweite Firma GmbH\r\n"
-                    "ORG:Zweite Firma GmbH\r\nADR:;;;;;;Deutschland\r\nEND:VCARD\r\n");
-    r = runCli({"contacts", "--contacts", path, "export"});
-    QCOMPARE(r.out.count("BEGIN:VCARD"), 2);
-    QVERIFY(r.out.contains("ADR:;;Hauptstr. 5;Wien;;1010;"));
-    r = runCli({"contacts", "--contacts", path, "export", "1", "9"});
-    QCOMPARE(r.exitCode, 1);
-    QVERIFY(r.out.isEmpty());
-}
-
-void TestCliContacts::usageErrors_data()
-{
-    QTest::addColumn<QStringList>("args");
-    QTest::newRow("no subcommand") << QStringList{"contacts"};
-    QTest::newRow("unknown subcommand") << QStringList{"contacts", "delete"};
-    QTest::newRow("bad id") << QStringList{"contacts", "show", "abc"};
-    QTest::newRow("zero id") << QStringList{"contacts", "show", "0"};
-    QTest::newRow("two ids") << QStringList{"contacts", "current", "1", "2"};
-    QTest::newRow("field id too big") << QStringList{"contacts", "add-field", "40000"};
-    QTest::newRow("add-field without id") << QStringList{"contacts", "add-field"};
-    QTest::newRow("list argument") << QStringList{"contacts", "list", "x"};
-    QTest::newRow("missing book name") << QStringList{"contacts", "list", "--contacts"};
-    QTest::newRow("transfer without mode") << QStringList{"transfer"};
-    QTest::newRow("transfer both modes") << QStringList{"transfer", "--new", "--edit"};
-    QTest::newRow("transfer bad option") << QStringList{"transfer", "--new", "--bogus"};
-}
-
-void TestCliContacts::usageErrors()
-{
-    QFETCH(QStringList, args);
-    args << "--contacts=" + book();
-    if (args.contains("--contacts"))
-        args.removeLast();
-    const CliRun r = runCli(args);
-    QCOMPARE(r.exitCode, 2);
-    QVERIFY(r.err.startsWith("zettelfischer-cli: "));
-    QVERIFY(!QFile::exists(book())); // nothing is created for a wrong command line
-}
-
-void TestCliContacts::unusableBook_data()
-{
-    QTest::addColumn<QStringList>("args");
-    QTest::newRow("list") << QStringList{"contacts", "list"};
-    QTest::newRow("add-field") << QStringList{"contacts", "add-field", "117"};
-    QTest::newRow("transfer") << QStringList{"transfer", "--new"};
-}
-
-void TestCliContacts::unusableBook()
-{
-    QFETCH(QStringList, args);
-    const QString path = book();
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write("Name;Telefon\nMax;123\n");
-    f.close();
-    const CliRun r = runCli(args << "--contacts" << path, Signature);
-    QCOMPARE(r.exitCode, 1);
-    QVERIFY2(r.err.contains("is not a contact book"), r.err.constData());
-    QVERIFY(f.open(QIODevice::ReadOnly));
-    QCOMPARE(f.readAll(), "Name;Telefon\nMax;123\n");
-    QFile::remove(path);
-}
-
-void TestCliContacts::transferWithoutData()
-{
-    const CliRun r = runCli({"transfer", "--edit", "--raw", "--contacts", book()}, "   ");
-    QCOMPARE(r.exitCode, 1);
-    QVERIFY2(r.err.contains("Keine Daten vorhanden."), r.err.constData());
-    QCOMPARE(r.json()["transferred"].toBool(), false);
-    QCOMPARE(r.json()["messages"].toArray()[0].toObject()["text"].toString(),
-             "Keine Daten vorhanden.");
-}
 
 QTEST_GUILESS_MAIN(TestCliContacts)
 #include "tst_cli_contacts.moc"
