@@ -127,8 +127,11 @@ bool ContactLink::OpenActDatabase(const WindowHooks& hooks)
                 o.database = createAs<DatabaseObject>(*m_factory, ProgIdDatabase);
                 o.database->OpenEx(QString());
             }
-            if (o.database->IsOpen().value_or(false))
-                result = true;
+            result = o.database->IsOpen().value_or(false);
+            if (!result)
+                m_lastError = u"no contact book is open"_s;
+        } else {
+            m_lastError = u"the contact manager is not running"_s;
         }
     } catch (const std::exception& e) {
         m_lastError = QString::fromStdString(e.what());

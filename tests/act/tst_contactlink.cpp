@@ -281,12 +281,14 @@ private slots:
                                  ? QStringList{"busy(0)", FieldsFailed, "saveFieldCache"}
                                  : QStringList{FieldsFailed, "busy(0)"}));
         QCOMPARE(names(t.s.rows.fields()), listAfter);
+        QVERIFY(!t.link.lastError().isEmpty()); // the command line reports why
 
         // A database object once made is kept and not opened again.
         t.r.failAt = -1;
         t.r.running = t.r.open = true;
         QCOMPARE(calls.count("OpenEx()") + t.load().count("OpenEx()"), 1);
         QCOMPARE(names(t.s.rows.fields()), (QStringList{"200=eMail", "117=Feld 117", "25=Firma"}));
+        QVERIFY(t.link.lastError().isEmpty());
     }
 
     void releaseOrder()
