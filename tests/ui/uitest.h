@@ -1,52 +1,42 @@
 #pragma once
 
-// Shared by the window tests: messages captured through the message seam, and a way to act
-// inside a modal dialog once its own event loop runs.
+// Shared by the window tests: messages captured through the message seam, acting inside a
+// modal dialog once its own event loop runs, and marking in the separator chooser.
 
+#include "ui/formtrenner.h"
 #include "ui/messages.h"
 
 #include <QApplication>
-#include <QList>
-#include <QStringList>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTimer>
-#include <QWidget>
-
-#include <functional>
+#include <QtTest>
 
 namespace zf::ui::test {
-
-// Records every message as "text|style" and answers with the queued codes (OK when empty).
-class MessageLog {
-public:
-    MessageLog()
-    {
-        m_previous = setMessageFunction([this](QWidget*, const QString& text, int style) {
-            messages << QStringLiteral("%1|%2").arg(text).arg(style);
-            if (onMessage)
-                onMessage();
-            return answers.isEmpty() ? 1 : answers.takeFirst();
-        });
-    }
-    ~MessageLog() { setMessageFunction(std::move(m_previous)); }
-    MessageLog(const MessageLog&) = delete;
-    MessageLog& operator=(const MessageLog&) = delete;
-
-    QStringList messages;
-    QList<int> answers;
-    std::function<void()> onMessage;
-
-private:
-    MessageFunction m_previous;
-};
 
 inline QString message(const QString& text, int style)
 {
     return QStringLiteral("%1|%2").arg(text).arg(style);
 }
 
+// Records every message as "text|style" and answers with the queued codes (OK when empty).
+struct MessageLog {
+    QStringList messages;
+    QList<int> answers;
+    MessageFunction previous = setMessageFunction([this](QWidget*, const QString& text, int style) {
+        messages << message(text, style);
+        return answers.isEmpty() ? 1 : answers.takeFirst();
+    });
+
+    MessageLog() = default;
+    MessageLog(const MessageLog&) = delete;
+    MessageLog& operator=(const MessageLog&) = delete;
+    ~MessageLog() { setMessageFunction(std::move(previous)); }
+};
+
 // Runs the action on the first modal dialog that opens (or with nullptr when the event loop
-// turns without one), and closes a dialog the action left open so that no test hangs. Nothing
-// runs once the context is gone.
+// turns without one), then closes a dialog it left open so that no test hangs. Nothing runs
+// once the context is gone.
 template <typename Dialog>
 void whenModal(const QObject* context, std::function<void(Dialog*)> action)
 {
@@ -56,6 +46,16 @@ void whenModal(const QObject* context, std::function<void(Dialog*)> action)
         if (QWidget* still = QApplication::activeModalWidget(); still && still == modal)
             still->close();
     });
+}
+
+// Marks count characters of the chooser's text from position from and takes them.
+inline void takeMarked(formTrenner& d, int from, int count = 1)
+{
+    QTextCursor c = d.txtClipText->textCursor();
+    c.setPosition(from);
+    c.setPosition(from + count, QTextCursor::KeepAnchor);
+    d.txtClipText->setTextCursor(c);
+    QTest::mouseClick(d.cmdTrennerNeu, Qt::LeftButton);
 }
 
 } // namespace zf::ui::test
