@@ -16,6 +16,7 @@
 #include "require.h"
 
 #include <QByteArray>
+#include <QStringList>
 
 #include <algorithm>
 #include <cstddef>
@@ -76,6 +77,24 @@ void applySettings(const QList<QByteArray>& records, Session& session)
     }
 }
 
+struct Outcome {
+    QStringList values;
+    QList<int> selected;
+    QString clipText;
+    QList<clsZusatzDefs> extraValues;
+    friend bool operator==(const Outcome&, const Outcome&) = default;
+};
+
+Outcome outcome(const Session& session)
+{
+    Outcome o{{}, {}, session.clipText, session.state.ExtraFieldValues};
+    for (int row = 0; row < FieldRows::RowCount; ++row) {
+        o.values.append(session.rows.value(row));
+        o.selected.append(session.rows.selected(row));
+    }
+    return o;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -96,10 +115,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     seams.showMessage = [&messages](const QString&, int) { return ++messages, 1; };
     seams.chooseSeparator = [mode] { return (mode & 2) ? u","_s : QString(); };
 
-    if (mode & 1)
-        AnalyseText(text, session, seams);
-    else
-        FetchClipboardText(text, session, seams, mode & 4);
+    const bool analysed = (mode & 1)
+                              ? (AnalyseText(text, session, seams), true)
+                              : FetchClipboardText(text, session, seams, mode & 4).has_value();
 
     require(messages <= 1);
     for (int row = 0; row < FieldRows::RowCount; ++row)
@@ -111,5 +129,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         require(std::any_of(session.state.ExtraDefinitions.cbegin(),
                             session.state.ExtraDefinitions.cend(),
                             [&found](const clsZusatzDefs& d) { return d.ID == found.ID; }));
+
+    // The same text analysed again gives the same result: nothing of a run outlives it.
+    if (analysed) {
+        const Outcome first = outcome(session);
+        session.clipText.clear();
+        AnalyseText((mode & 1) ? text : PrepareClipboardText(text), session, seams);
+        require(outcome(session) == first);
+    }
     return 0;
 }
