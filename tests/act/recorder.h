@@ -5,11 +5,10 @@
 
 #include "act/contactlink.h"
 
-#include <QList>
+#include <QMap>
 #include <QStringList>
 
 #include <optional>
-#include <utility>
 
 namespace zf::act::test {
 
@@ -27,7 +26,7 @@ struct Recorder {
 
     std::optional<bool> running = true;
     std::optional<bool> open = true;
-    QList<std::pair<qint32, QString>> fields;
+    QMap<qint32, QString> fields; // id and label; the positions follow the ids
     quint8 completionChoice = 2;
 
     void automation(const QString& call)
@@ -59,14 +58,16 @@ struct Recorder {
     }
 };
 
-// One class plays every automation object; each instance records its release under the role
-// it was made for, so the release order shows in the call list.
+// One class plays the factory and every automation object; each object records its release
+// under the role it was made for, so the release order shows in the call list.
 class FakeObject : public ApplicationObject,
                    public ViewsObject,
                    public ContactViewObject,
                    public DatabaseObject,
                    public ContactObject,
-                   public FieldsObject {
+                   public FieldsObject,
+                   public ObjectFactory,
+                   public EventControl {
 public:
     FakeObject(Recorder& r, const QString& role) : r(r), role(role) {}
     ~FakeObject() override
@@ -74,6 +75,14 @@ public:
         if (!role.isEmpty())
             r.calls << "~" + role;
     }
+    std::shared_ptr<AutomationObject> CreateObject(const QString& progId) override
+    {
+        const bool app = progId == ProgIdApplication;
+        return std::shared_ptr<ApplicationObject>(
+            made(QString("CreateObject(%1)").arg(progId), app ? "Application" : "Database"));
+    }
+    EventControl& eventControl() override { return *this; }
+    std::optional<bool> IsActRunning() override { return answer("IsActRunning()", r.running); }
     std::shared_ptr<ViewsObject> Views() override { return made("Views()", "Views"); }
     std::shared_ptr<ContactViewObject> Create(qint16 type, const QString& name) override
     {
@@ -91,15 +100,11 @@ public:
     qint16 FieldCount() override { return answer("FieldCount()", qint16(r.fields.size())); }
     qint32 FieldIdAt(qint16 pos) override
     {
-        return answer(QString("FieldIdAt(%1)").arg(pos), r.fields.value(pos).first);
+        return answer(QString("FieldIdAt(%1)").arg(pos), r.fields.keys().value(pos));
     }
     QString Label(qint32 id) override
     {
-        r.automation(QString("Label(%1)").arg(id));
-        for (const auto& [fieldId, label] : r.fields)
-            if (fieldId == id)
-                return label;
-        return {};
+        return answer(QString("Label(%1)").arg(id), r.fields.value(id));
     }
 
 private:
@@ -117,25 +122,38 @@ private:
     QString role;
 };
 
-class FakeFactory : public ObjectFactory, public EventControl {
-public:
-    explicit FakeFactory(Recorder& r) : r(r) {}
-    std::shared_ptr<AutomationObject> CreateObject(const QString& progId) override
-    {
-        r.automation(QString("CreateObject(%1)").arg(progId));
-        const bool app = progId == ProgIdApplication;
-        return std::shared_ptr<ApplicationObject>(
-            std::make_shared<FakeObject>(r, app ? "Application" : "Database"));
-    }
-    EventControl& eventControl() override { return *this; }
-    std::optional<bool> IsActRunning() override
-    {
-        r.automation("IsActRunning()");
-        return r.running;
-    }
+// A link on the stand-in, or on the contact book at bookPath, and a session whose rows are
+// "id=value" from the top ("-=value": a row without a chosen field).
+struct Rig {
+    Recorder r;
+    ContactLink link;
+    Session s;
 
-private:
-    Recorder& r;
+    explicit Rig(const QStringList& rows = {}, const QString& bookPath = {})
+        : link(bookPath.isEmpty() ? std::make_shared<FakeObject>(r, "")
+                                  : makeContactBookFactory(bookPath))
+    {
+        s.rows.FillDefaultFieldLists();
+        s.clipText = "x";
+        for (int row = 0; row < rows.size(); ++row) {
+            s.rows.setValue(row, rows[row].section('=', 1));
+            if (!rows[row].startsWith('-'))
+                s.rows.SelectRowField(row, qint16(rows[row].section('=', 0, 0).toInt()));
+        }
+    }
+    // The calls of this run only.
+    QStringList transfer(bool create)
+    {
+        r.calls.clear();
+        link.TransferContact(create, s, r.hooks());
+        return r.calls;
+    }
+    QStringList load()
+    {
+        r.calls.clear();
+        link.LoadFieldList(s, r.hooks());
+        return r.calls;
+    }
 };
 
 } // namespace zf::act::test
