@@ -29,8 +29,7 @@ struct MessageLog {
     });
 
     MessageLog() = default;
-    MessageLog(const MessageLog&) = delete;
-    MessageLog& operator=(const MessageLog&) = delete;
+    Q_DISABLE_COPY(MessageLog)
     ~MessageLog() { setMessageFunction(std::move(previous)); }
 };
 
