@@ -4,29 +4,26 @@
 // byte. Field bytes 'A' to 'T' pick one of the twenty standard fields, others any other id.
 
 #include "act/vcard.h"
+#include "analysis/fields.h"
 
 #include "require.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 
 using namespace zf::act;
 
 namespace {
 
-constexpr qint32 StandardIds[20] = {25, 88, 40, 26,  79, 78, 27, 32, 30, 33,
-                                    35, 36, 38, 200, 94, 46, 28, 29, 74, 77};
-
 qint32 fieldId(uint8_t b)
 {
-    return b >= 'A' && b < 'A' + 20 ? StandardIds[b - 'A'] : qint32(int8_t(b)) * 1009;
+    return b >= 'A' && b < 'A' + 20 ? zf::idOf(zf::StandardFields[b - 'A'].id)
+                                    : qint32(int8_t(b)) * 1009;
 }
 
 bool isStandard(qint32 id)
 {
-    return std::find(std::begin(StandardIds), std::end(StandardIds), id) != std::end(StandardIds);
+    return zf::standardField(id) != nullptr;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "contactlink.h"
 
+#include "analysis/fields.h"
 #include "analysis/textutil.h"
 
 #include <QDir>
@@ -38,7 +39,7 @@ QString fieldName(qint32 id, const QString& label)
 {
     if (!label.isEmpty())
         return label;
-    return id == 200 ? u"eMail"_s : u"Feld %1"_s.arg(id);
+    return id == idOf(FieldId::EMail) ? u"eMail"_s : u"Feld %1"_s.arg(id);
 }
 
 } // namespace
@@ -78,15 +79,15 @@ void ContactLink::TransferContact(bool create, Session& session, const WindowHoo
             if (!id)
                 continue;
             o.contactView->SetField(*id, rows.value(row));
-            if (*id == 26)
+            if (*id == idOf(FieldId::Kontakt))
                 contactName = rows.value(row);
-            else if (*id == 78)
+            else if (*id == idOf(FieldId::Vorname))
                 firstName = rows.value(row);
-            else if (*id == 79)
+            else if (*id == idOf(FieldId::Nachname))
                 lastName = rows.value(row);
         }
         if (!firstName.isEmpty() && !lastName.isEmpty() && contactName.isEmpty())
-            o.contactView->SetField(qint16(26), firstName + u' ' + lastName);
+            o.contactView->SetField(idOf(FieldId::Kontakt), firstName + u' ' + lastName);
         if (session.state.ExtraDefinitionsLoaded) {
             for (const clsZusatzDefs& extra : session.state.ExtraFieldValues)
                 if (extra.ID != -1)

@@ -1,5 +1,7 @@
 #include "vcard.h"
 
+#include "analysis/fields.h"
+
 #include <QMap>
 #include <QStringList>
 
@@ -9,32 +11,17 @@ namespace zf::act {
 
 namespace {
 
-enum Field : qint32 {
-    Firma = 25,
-    Abteilung = 88,
-    Anrede = 40,
-    Kontakt = 26,
-    Nachname = 79,
-    Vorname = 78,
-    Adresse = 27,
-    Plz = 32,
-    Ort = 30,
-    Land = 33,
-    Telefon = 35,
-    Fax = 36,
-    Mobil = 38,
-    EMail = 200,
-    Website = 94,
-    Titel = 46,
-    Adresse2 = 28,
-    Adresse3 = 29,
-    Telefon2 = 74,
-    Telefon3 = 77,
-};
-
-const QList<qint32> StandardFields{
-    Firma,   Abteilung, Anrede, Kontakt, Nachname, Vorname, Adresse,  Plz,      Ort,      Land,
-    Telefon, Fax,       Mobil,  EMail,   Website,  Titel,   Adresse2, Adresse3, Telefon2, Telefon3};
+// Short names for the fields the card is built from.
+constexpr qint32 Firma = idOf(FieldId::Firma), Abteilung = idOf(FieldId::Abteilung),
+                 Anrede = idOf(FieldId::Anrede), Kontakt = idOf(FieldId::Kontakt),
+                 Nachname = idOf(FieldId::Nachname), Vorname = idOf(FieldId::Vorname),
+                 Adresse = idOf(FieldId::Adresse), Plz = idOf(FieldId::Plz),
+                 Ort = idOf(FieldId::Ort), Land = idOf(FieldId::Land),
+                 Telefon = idOf(FieldId::Telefon), Fax = idOf(FieldId::Fax),
+                 Mobil = idOf(FieldId::Mobil), EMail = idOf(FieldId::EMail),
+                 Website = idOf(FieldId::Website), Titel = idOf(FieldId::Titel),
+                 Adresse2 = idOf(FieldId::Adresse2), Adresse3 = idOf(FieldId::Adresse3),
+                 Telefon2 = idOf(FieldId::Telefon2), Telefon3 = idOf(FieldId::Telefon3);
 
 QString normaliseBreaks(const QString& value)
 {
@@ -166,7 +153,7 @@ QByteArray contactToVCard(const QList<BookValue>& values)
     if (has(Website))
         add(u"URL:"_s + normaliseBreaks(value(Website)).remove(u'\n')); // a URI: no escapes
     for (const BookValue& v : values) {
-        if (v.value.isEmpty() || StandardFields.contains(v.fieldId))
+        if (v.value.isEmpty() || standardField(v.fieldId))
             continue;
         QString line = u"X-ZETTELFISCHER-FIELD-%1"_s.arg(v.fieldId);
         if (!v.label.isEmpty())

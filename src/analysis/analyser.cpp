@@ -2,6 +2,7 @@
 
 #include "cleanup.h"
 #include "failure.h"
+#include "fields.h"
 #include "textutil.h"
 
 #include <QStringList>
@@ -436,29 +437,29 @@ void AssembleRows(LineList& lines, FieldRows& rows, const SharedState& state)
     struct Choice {
         qint16 clsZeile::*score;
         Kind kind;
-        qint16 id;
+        FieldId id;
         QString (*clean)(QStringView);
     };
     static const Choice order[] = {
-        {&clsZeile::Firma, Fixed, 25, nullptr},
-        {&clsZeile::Anrede, Fixed, 40, nullptr},
-        {&clsZeile::Kontakt, Fixed, 26, nullptr},
-        {&clsZeile::Postfach, PoBox, 0, nullptr},
-        {&clsZeile::Adresse, Address, 0, nullptr},
-        {&clsZeile::PLZ, Postcode, 32, nullptr},
-        {&clsZeile::Ort, Fixed, 30, nullptr},
-        {&clsZeile::Land, Country, 33, nullptr},
-        {&clsZeile::Telefon, Phone, 0, &CleanPhoneNumber},
-        {&clsZeile::Fax, Fixed, 36, &CleanPhoneNumber},
-        {&clsZeile::Mobil, Fixed, 38, &CleanPhoneNumber},
-        {&clsZeile::EMail, Fixed, 200, &ExtractEMailAddress},
-        {&clsZeile::Website, Fixed, 94, &ExtractWebAddress},
-        {&clsZeile::NachName, Fixed, 79, nullptr},
-        {&clsZeile::Vorname, Fixed, 78, nullptr},
-        {&clsZeile::Titel, Fixed, 46, nullptr},
+        {&clsZeile::Firma, Fixed, FieldId::Firma, nullptr},
+        {&clsZeile::Anrede, Fixed, FieldId::Anrede, nullptr},
+        {&clsZeile::Kontakt, Fixed, FieldId::Kontakt, nullptr},
+        {&clsZeile::Postfach, PoBox, {}, nullptr},
+        {&clsZeile::Adresse, Address, {}, nullptr},
+        {&clsZeile::PLZ, Postcode, FieldId::Plz, nullptr},
+        {&clsZeile::Ort, Fixed, FieldId::Ort, nullptr},
+        {&clsZeile::Land, Country, FieldId::Land, nullptr},
+        {&clsZeile::Telefon, Phone, {}, &CleanPhoneNumber},
+        {&clsZeile::Fax, Fixed, FieldId::Fax, &CleanPhoneNumber},
+        {&clsZeile::Mobil, Fixed, FieldId::Mobil, &CleanPhoneNumber},
+        {&clsZeile::EMail, Fixed, FieldId::EMail, &ExtractEMailAddress},
+        {&clsZeile::Website, Fixed, FieldId::Website, &ExtractWebAddress},
+        {&clsZeile::NachName, Fixed, FieldId::Nachname, nullptr},
+        {&clsZeile::Vorname, Fixed, FieldId::Vorname, nullptr},
+        {&clsZeile::Titel, Fixed, FieldId::Titel, nullptr},
     };
-    static const qint16 addressIds[] = {27, 28, 29};
-    static const qint16 phoneIds[] = {35, 74, 77};
+    static const FieldId addressIds[] = {FieldId::Adresse, FieldId::Adresse2, FieldId::Adresse3};
+    static const FieldId phoneIds[] = {FieldId::Telefon, FieldId::Telefon2, FieldId::Telefon3};
 
     int addressesWritten = 0;
     int phonesWritten = 0;
@@ -467,7 +468,7 @@ void AssembleRows(LineList& lines, FieldRows& rows, const SharedState& state)
     const qsizetype n = qsizetype(lines.size());
 
     // Writes the value and takes the next of up to three ids, or leaves the field unchosen.
-    const auto writeNumbered = [&rows](int row, const QString& value, const qint16(&ids)[3],
+    const auto writeNumbered = [&rows](int row, const QString& value, const FieldId(&ids)[3],
                                        int& written) {
         rows.setValue(row, value);
         if (written < 3)
@@ -523,7 +524,7 @@ void AssembleRows(LineList& lines, FieldRows& rows, const SharedState& state)
     if (countryMissing && n < FieldRows::RowCount) {
         const int free = int(n);
         rows.setValue(free, postcodeLength == 4 ? state.StandardLand4PLZ : state.StandardLand5PLZ);
-        rows.SelectRowField(free, 33);
+        rows.SelectRowField(free, FieldId::Land);
     }
 }
 

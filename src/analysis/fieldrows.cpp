@@ -129,13 +129,12 @@ void FieldRows::clearRows()
 
 const QList<FieldEntry>& defaultFieldEntries()
 {
-    static const QList<FieldEntry> entries{
-        {u"Firma"_s, 25},     {u"Abteilung"_s, 88}, {u"Anrede"_s, 40},    {u"Kontakt"_s, 26},
-        {u"Nachname"_s, 79},  {u"Vorname"_s, 78},   {u"Adresse"_s, 27},   {u"PLZ"_s, 32},
-        {u"Ort"_s, 30},       {u"Land"_s, 33},      {u"Telefon"_s, 35},   {u"Fax"_s, 36},
-        {u"Mobil"_s, 38},     {u"eMail"_s, 200},    {u"Website"_s, 94},   {u"Titel"_s, 46},
-        {u"Adresse 2"_s, 28}, {u"Adresse 3"_s, 29}, {u"Telefon 2"_s, 74}, {u"Telefon 3"_s, 77},
-    };
+    static const QList<FieldEntry> entries = [] {
+        QList<FieldEntry> list;
+        for (const StandardField& f : StandardFields)
+            list.append(FieldEntry{fieldName(f), idOf(f.id)});
+        return list;
+    }();
     return entries;
 }
 

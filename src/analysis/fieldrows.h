@@ -1,5 +1,7 @@
 #pragma once
 
+#include "fields.h"
+
 #include <QAbstractListModel>
 #include <QList>
 #include <QString>
@@ -72,6 +74,7 @@ public:
 
     // Chooses the first entry with this id; leaves the row as it is when none carries it.
     void SelectRowField(int row, qint16 id);
+    void SelectRowField(int row, FieldId id) { SelectRowField(row, qint16(id)); }
     // Every value empty and no field chosen.
     void clearRows();
 

@@ -5,6 +5,7 @@
 #include "act/contactbook.h"
 #include "act/contactlink.h"
 #include "act/vcard.h"
+#include "analysis/fields.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -85,10 +86,14 @@ QString valueOf(const QList<BookValue>& values, qint32 fieldId)
 QString listLine(ContactBook& book, qint64 id, std::optional<qint64> current)
 {
     const QList<BookValue> values = book.contactValues(id);
-    QString name = valueOf(values, 26);
+    QString name = valueOf(values, idOf(FieldId::Kontakt));
     if (name.isEmpty())
-        name = QStringList{valueOf(values, 78), valueOf(values, 79)}.join(u' ').trimmed();
-    QString line = u"%1\t%2\t%3"_s.arg(id).arg(oneLine(name), oneLine(valueOf(values, 25)));
+        name = QStringList{valueOf(values, idOf(FieldId::Vorname)),
+                           valueOf(values, idOf(FieldId::Nachname))}
+                   .join(u' ')
+                   .trimmed();
+    QString line =
+        u"%1\t%2\t%3"_s.arg(id).arg(oneLine(name), oneLine(valueOf(values, idOf(FieldId::Firma))));
     if (current == id)
         line += u"\tcurrent"_s;
     return line;
