@@ -8,6 +8,7 @@
 #include "messages.h"
 #include "settings/settings.h"
 #include "updatelaunch.h"
+#include "version.h"
 #include "windowhelpers.h"
 
 #include <QClipboard>
@@ -237,7 +238,7 @@ act::WindowHooks formMain::hooks()
 
 void formMain::StartUp()
 {
-    setWindowTitle(u"Zettelfischer"_s + u" v."_s + u"1.18"_s);
+    setWindowTitle(u"Zettelfischer"_s + u" v."_s + QString::fromUtf16(Version));
     m_session.state.ChosenSeparator.clear();
     m_session.rows.FillDefaultFieldLists();
     LoadSettings(m_options.iniPath, m_session.state, m_session.rows);
