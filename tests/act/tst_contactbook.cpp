@@ -178,6 +178,33 @@ private slots:
         }
     }
 
+    // The window's transfer on a book that must not be written: the mode's failure message,
+    // the reason for the log, the file as it was.
+    void refusedInWindow_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("read-only") << "read-only";
+        QTest::newRow("damaged page") << "damaged page";
+    }
+
+    void refusedInWindow()
+    {
+        QFETCH(QString, kind);
+        if (kind == "read-only") {
+            ContactBook(path).addContact();
+            QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner));
+        } else {
+            damageLastPage(path);
+        }
+        const QByteArray before = readAll(path);
+        Rig t({"25=Beispiel GmbH", "30=Wien"}, path);
+        QCOMPARE(t.transfer(true).last(), CreateFailed);
+        QVERIFY2(t.link.lastError().contains(kind == "read-only" ? "read-only" : "damaged"),
+                 qPrintable(t.link.lastError()));
+        QCOMPARE(t.transfer(false).last(), EditFailed);
+        QCOMPARE(readAll(path), before);
+    }
+
     void waitsForOtherWriter()
     {
         ContactBook book(path);
