@@ -33,11 +33,7 @@ public:
         : m_book(std::move(book)), m_written(std::move(written))
     {
     }
-    void AddNewContact() override
-    {
-        m_transfer = Transfer{};
-        m_transfer->create = true;
-    }
+    void AddNewContact() override { m_transfer = Transfer{}; }
     // Without AddNewContact the transfer edits the book's current contact, taken once at its
     // first write: a contact chosen elsewhere (on the command line) is the one "Bearbeiten"
     // overwrites, and a later change of that choice does not redirect this transfer.
@@ -49,7 +45,7 @@ public:
                 if (!current || !m_book->hasContact(*current))
                     throw BookError(BookError::NotFound,
                                     u"the contact book has no current contact"_s);
-                m_transfer = Transfer{false, current, {}};
+                m_transfer = Transfer{current, {}};
             }
             if (!m_book->fieldLabel(fieldId))
                 throw BookError(BookError::NotFound,
@@ -71,8 +67,7 @@ public:
 
 private:
     struct Transfer {
-        bool create = false;
-        std::optional<qint64> contact; // for an edit
+        std::optional<qint64> contact; // empty: a new one
         QList<FieldValue> values;
     };
     // A failed call ends the transfer: its values are dropped, the next call starts afresh.
