@@ -3,6 +3,7 @@
 #include "act/contactlink.h"
 #include "settings/settings.h"
 #include "ui/formmain.h"
+#include "ui/windowhelpers.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -77,6 +78,9 @@ int main(int argc, char** argv)
     QApplication::setApplicationName(u"Zettelfischer"_s);
     QApplication::setApplicationVersion(u"1.18"_s);
     QApplication::setWindowIcon(QIcon(u":/icons/app.svg"_s));
+    // Ties the window to the installed menu entry and its icon (Wayland's app id).
+    QGuiApplication::setDesktopFileName(u"example.zettelfischer.Zettelfischer"_s);
+    zf::ui::UseGermanQtTexts();
 
     const QString book = zf::act::contactBookPath(args.contactsFile);
     zf::ui::formMain window({zf::settingsFilePath(), QApplication::applicationDirPath(),
