@@ -67,6 +67,10 @@ formMain::formMain(MainOptions options, QWidget* parent)
 
 formMain::~formMain()
 {
+    // A field list that has the focus finishes its editing while the window is torn down,
+    // when the rows are already gone.
+    for (QComboBox* field : txtField)
+        field->lineEdit()->disconnect(this);
     ReleaseActObjects();
 }
 
