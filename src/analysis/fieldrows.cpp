@@ -1,17 +1,25 @@
 #include "fieldrows.h"
 
+#include <QCollator>
+#include <QLocale>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace zf {
 
-namespace {
-bool nameLess(const QString& a, const QString& b)
+bool FieldNameLess(const QString& a, const QString& b)
 {
-    return QString::compare(a, b, Qt::CaseInsensitive) < 0;
+    static const QCollator collator = [] {
+        QCollator c(QLocale(QLocale::German, QLocale::Germany));
+        c.setCaseSensitivity(Qt::CaseInsensitive);
+        // Set up here, once: the first comparison would otherwise do it behind a const call.
+        c.compare(u"a"_s, u"b"_s);
+        return c;
+    }();
+    return collator.compare(a, b) < 0;
 }
-} // namespace
 
 int FieldList::rowCount(const QModelIndex& parent) const
 {
@@ -41,9 +49,9 @@ int FieldList::positionOf(qint32 id) const
 int FieldList::add(const QString& name, qint32 id)
 {
     // upper_bound: a new entry goes behind all entries of an equal name.
-    const auto it =
-        std::upper_bound(m_entries.cbegin(), m_entries.cend(), name,
-                         [](const QString& n, const FieldEntry& e) { return nameLess(n, e.name); });
+    const auto it = std::upper_bound(
+        m_entries.cbegin(), m_entries.cend(), name,
+        [](const QString& n, const FieldEntry& e) { return FieldNameLess(n, e.name); });
     const int pos = int(it - m_entries.cbegin());
     beginInsertRows({}, pos, pos);
     m_entries.insert(pos, FieldEntry{name, id});

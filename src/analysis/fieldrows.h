@@ -17,9 +17,13 @@ struct FieldEntry {
     friend bool operator==(const FieldEntry&, const FieldEntry&) = default;
 };
 
-// The field-name list that every row offers, kept in display order (sorted by name,
-// case-insensitively; equal names keep the order they were added in). One instance
-// serves all sixteen rows, so views can share it as their model.
+// Alphabetical order of field names as a German reader expects it ("Größe" before "Gz"),
+// ignoring case.
+bool FieldNameLess(const QString& a, const QString& b);
+
+// The field-name list that every row offers, kept in display order (sorted by FieldNameLess;
+// names equal by it keep the order they were added in). One instance serves all sixteen
+// rows, so views can share it as their model.
 class FieldList : public QAbstractListModel {
     Q_OBJECT
 public:

@@ -21,7 +21,8 @@ field rows as one JSON object: rows, clipText, extraFieldValues, messages, compl
   --raw             analyse the text as typed into the clipboard box (no clipboard fetch:
                     " . " before line breaks stays, an empty text is analysed as well)
   --separator TEXT  line separator to use instead of the automatic choice
-  --ini FILE        settings file (default: zettelfischer.ini beside this program)
+  --ini FILE        settings file (default: zettelfischer.ini beside this program, else
+                    in ~/.config/zettelfischer/, else in /etc/xdg/zettelfischer/)
   --file FILE       read the text from FILE instead of standard input
   --trace           also print the line list with all twenty scores per line
   -h, --help        show this help

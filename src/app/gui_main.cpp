@@ -3,6 +3,7 @@
 #include "act/contactlink.h"
 #include "settings/settings.h"
 #include "ui/formmain.h"
+#include "ui/windowhelpers.h"
 #include "version.h"
 
 #include <QApplication>
@@ -78,6 +79,9 @@ int main(int argc, char** argv)
     QApplication::setApplicationName(u"Zettelfischer"_s);
     QApplication::setApplicationVersion(QString::fromUtf16(zf::Version));
     QApplication::setWindowIcon(QIcon(u":/icons/app.svg"_s));
+    // Ties the window to the installed menu entry and its icon (Wayland's app id).
+    QGuiApplication::setDesktopFileName(u"example.zettelfischer.Zettelfischer"_s);
+    zf::ui::UseGermanQtTexts();
 
     const QString book = zf::act::contactBookPath(args.contactsFile);
     zf::ui::formMain window({.iniPath = zf::settingsFilePath(),

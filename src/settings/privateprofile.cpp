@@ -4,11 +4,14 @@
 #include <QHash>
 #include <QMutex>
 #include <QMutexLocker>
+#include <QRandomGenerator>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -44,6 +47,47 @@ QString DecodeAnsi(QByteArrayView bytes)
         d[i] = QChar(b >= 0x80 && b < 0xA0 ? HighTable[b - 0x80] : char16_t(b));
     }
     return out;
+}
+
+bool IsUtf8Text(QByteArrayView bytes)
+{
+    bool beyondAscii = false;
+    const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
+    const auto* const end = p + bytes.size();
+    while (p < end) {
+        const unsigned char b = *p;
+        if (b < 0x80) {
+            ++p;
+            continue;
+        }
+        beyondAscii = true;
+        int more = 0;
+        char32_t c = 0;
+        if (b >= 0xC2 && b <= 0xDF) {
+            more = 1;
+            c = b & 0x1F;
+        } else if (b >= 0xE0 && b <= 0xEF) {
+            more = 2;
+            c = b & 0x0F;
+        } else if (b >= 0xF0 && b <= 0xF4) {
+            more = 3;
+            c = b & 0x07;
+        } else {
+            return false;
+        }
+        if (end - p <= more)
+            return false;
+        for (int i = 1; i <= more; ++i) {
+            if ((p[i] & 0xC0) != 0x80)
+                return false;
+            c = (c << 6) | (p[i] & 0x3F);
+        }
+        if ((more == 2 && c < 0x800) || (more == 3 && c < 0x10000) || c > 0x10FFFF ||
+            (c >= 0xD800 && c <= 0xDFFF))
+            return false;
+        p += more + 1;
+    }
+    return beyondAscii;
 }
 
 QByteArray EncodeAnsi(QStringView text)
@@ -116,7 +160,8 @@ struct Section {
 
 struct Document {
     QByteArray data;
-    bool utf8 = false; // a UTF-8 byte-order mark says so; everything else is Windows-1252
+    bool utf8 = false;
+    QByteArray lineBreak = "\r\n"; // as the file's first line ends; CR LF for a new file
     QList<Line> lines;
     QList<Section> sections;
     QHash<QString, qsizetype> sectionIndex; // the first section of each name
@@ -144,7 +189,11 @@ void parse(Document& doc)
     if (d.startsWith("\xEF\xBB\xBF")) {
         doc.utf8 = true;
         pos = 3;
+    } else {
+        doc.utf8 = IsUtf8Text(d);
     }
+    if (const qsizetype nl = d.indexOf('\n'); nl >= 0)
+        doc.lineBreak = nl > 0 && d[nl - 1] == '\r' ? "\r\n" : "\n";
     Section* current = nullptr;
     while (pos < size) {
         Line line;
@@ -246,6 +295,8 @@ Loaded load(const QString& fileName)
     const std::optional<FileStamp> stamp = stampOf(fileName, status);
     if (!stamp)
         return {status, nullptr};
+    if (stamp->size > MaxFileSize)
+        return {Status::Unusable, nullptr};
     const bool samePath = c.doc && c.path == fileName;
     if (samePath && c.stamp == *stamp && stamp->size > CompareLimit)
         return {Status::Ok, c.doc};
@@ -253,8 +304,9 @@ Loaded load(const QString& fileName)
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return {Status::Unusable, nullptr};
-    QByteArray data = file.readAll();
-    if (file.error() != QFileDevice::NoError)
+    // The file may have grown since its status was taken.
+    QByteArray data = file.read(MaxFileSize + 1);
+    if (file.error() != QFileDevice::NoError || data.size() > MaxFileSize)
         return {Status::Unusable, nullptr};
     if (samePath && c.doc->data == data) {
         c.stamp = *stamp;
@@ -269,25 +321,114 @@ Loaded load(const QString& fileName)
     return {Status::Ok, doc};
 }
 
-// Caller holds the cache mutex. Writes in place, so that links, owner and permissions of
-// the file stay as they are.
-bool store(const QString& fileName, const QByteArray& data)
+std::function<bool(WriteStep)>& writeStepHook()
 {
-    QFile file(fileName);
-    const QByteArray native = QFile::encodeName(fileName);
+    static std::function<bool(WriteStep)> hook;
+    return hook;
+}
+
+bool stepPasses(WriteStep step)
+{
+    return !writeStepHook() || writeStepHook()(step);
+}
+
+bool writeAll(int fd, const QByteArray& data)
+{
+    // Pieces, so that a stop in the middle of the text can be tried out.
+    constexpr qsizetype Piece = 16 * 1024;
+    for (qsizetype done = 0; done < data.size();) {
+        const ssize_t n =
+            ::write(fd, data.constData() + done, size_t(std::min(Piece, data.size() - done)));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        done += n;
+        if (!stepPasses(WriteStep::PartWritten))
+            return false;
+    }
+    return true;
+}
+
+// A new, empty file beside the target; its name is hidden, so it never counts as a settings
+// file. The mode follows the umask like any new file.
+int createTemporary(const QByteArray& target, QByteArray& tempName)
+{
+    const qsizetype slash = target.lastIndexOf('/');
+    const QByteArray dir = slash < 0 ? QByteArray(".") : target.first(slash + 1);
+    const QByteArray base = target.sliced(slash + 1);
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        tempName = (slash < 0 ? QByteArray() : dir) + '.' + base + '.' +
+                   QByteArray::number(QRandomGenerator::global()->generate(), 36);
+        const int fd = ::open(tempName.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (fd >= 0 || errno != EEXIST)
+            return fd;
+    }
+    return -1;
+}
+
+void syncFolderOf(const QByteArray& target)
+{
+    const qsizetype slash = target.lastIndexOf('/');
+    const QByteArray dir = slash < 0 ? QByteArray(".") : slash == 0 ? "/" : target.first(slash);
+    const int fd = ::open(dir.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+}
+
+// Caller holds the cache mutex. Replaces the file as a whole: a temporary file in the same
+// folder, flushed to disk, renamed over the old one. A link is followed and stays a link;
+// mode and, where allowed, owner stay those of the old file. On failure the old file is
+// left as it was.
+bool replaceFile(const QString& fileName, const QByteArray& data)
+{
+    QByteArray target = QFile::encodeName(fileName);
+    if (char* real = ::realpath(target.constData(), nullptr)) {
+        target = real;
+        std::free(real);
+    }
     struct stat st {};
-    const bool exists = ::stat(native.constData(), &st) == 0;
+    const bool exists = ::stat(target.constData(), &st) == 0;
+    if (exists && !S_ISREG(st.st_mode))
+        return false;
     // A file without any write permission counts as read-only even for the superuser.
     if (exists && ((st.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0 ||
-                   ::access(native.constData(), W_OK) != 0))
+                   ::access(target.constData(), W_OK) != 0))
         return false;
-    if (!file.open(exists ? QIODevice::ReadWrite : QIODevice::WriteOnly))
+
+    QByteArray tempName;
+    int fd = createTemporary(target, tempName);
+    if (fd < 0)
         return false;
-    const bool ok = file.write(data) == data.size() && file.resize(data.size()) && file.flush();
-    file.close();
+    bool ok = stepPasses(WriteStep::TempCreated);
+    if (ok && exists) {
+        // Only the superuser may hand the file back to its owner; others keep it anyway.
+        if (::fchown(fd, st.st_uid, st.st_gid) != 0 && errno != EPERM)
+            ok = false;
+        ok = ok && ::fchmod(fd, st.st_mode & 07777) == 0;
+    }
+    ok = ok && writeAll(fd, data);
+    ok = ok && ::fsync(fd) == 0 && stepPasses(WriteStep::Synced);
+    const bool closed = ::close(fd) == 0;
+    ok = ok && closed && stepPasses(WriteStep::Closed);
+    ok = ok && ::rename(tempName.constData(), target.constData()) == 0;
+    if (!ok) {
+        ::unlink(tempName.constData());
+        return false;
+    }
+    stepPasses(WriteStep::Renamed); // too late to fail: the new text is in place
+    syncFolderOf(target);
+    return true;
+}
+
+// Caller holds the cache mutex.
+bool store(const QString& fileName, const QByteArray& data)
+{
     Cache& c = cache();
-    c.doc.reset(); // re-read on next use: the file may hold only part of what was meant
-    if (!ok)
+    c.doc.reset();
+    if (!replaceFile(fileName, data))
         return false;
     Status status = Status::Ok;
     if (const std::optional<FileStamp> stamp = stampOf(fileName, status)) {
@@ -334,6 +475,12 @@ QByteArray withoutLines(const Document& doc, qsizetype first, qsizetype last)
 }
 
 } // namespace
+
+void setWriteStepHook(std::function<bool(WriteStep)> hook)
+{
+    QMutexLocker lock(&cache().mutex);
+    writeStepHook() = std::move(hook);
+}
 
 qsizetype GetString(const QString& section, const QString& key, const QString& defaultValue,
                     QChar* buffer, qsizetype size, const QString& fileName)
@@ -420,7 +567,7 @@ bool WriteStrings(const QString& section, const QList<std::pair<QString, QString
     if (entries.isEmpty())
         return true;
     const auto newLine = [&doc](QByteArrayView name, const QString& value) {
-        return name.toByteArray() + '=' + doc.encode(value) + "\r\n";
+        return name.toByteArray() + '=' + doc.encode(value) + doc.lineBreak;
     };
 
     QByteArray out;
@@ -428,8 +575,8 @@ bool WriteStrings(const QString& section, const QList<std::pair<QString, QString
     if (s < 0) {
         out = doc.data;
         if (!out.isEmpty() && !out.endsWith('\n'))
-            out += "\r\n";
-        out += '[' + doc.encode(trimmedText(oneLine(section))) + "]\r\n";
+            out += doc.lineBreak;
+        out += '[' + doc.encode(trimmedText(oneLine(section))) + ']' + doc.lineBreak;
         for (const Entry& e : entries)
             out += newLine(doc.encode(e.name), e.value);
     } else {
@@ -458,7 +605,7 @@ bool WriteStrings(const QString& section, const QList<std::pair<QString, QString
             } else {
                 out += data.sliced(line.start, line.next - line.start);
                 if (l == insertAfter && !appended.isEmpty() && data[line.next - 1] != '\n')
-                    out += "\r\n"; // the file's last line had no line break
+                    out += doc.lineBreak; // the file's last line had no line break
             }
             if (l == insertAfter)
                 out += appended;

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QStandardPaths>
 
 #include <algorithm>
 #include <cmath>
@@ -100,12 +101,30 @@ double LeadingNumber(QStringView text)
     return number.startsWith(u'-') ? -HUGE_VAL : HUGE_VAL;
 }
 
+QStringList settingsFileCandidates(const QString& programDir)
+{
+    QStringList paths{programDir + u"/zettelfischer.ini"_s};
+    for (const QString& dir :
+         QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation))
+        paths.append(dir + u"/zettelfischer/zettelfischer.ini"_s);
+    return paths;
+}
+
+QString settingsFilePath(const QString& programDir)
+{
+    const QStringList candidates = settingsFileCandidates(programDir);
+    for (const QString& path : candidates)
+        if (FileExists(path))
+            return path;
+    return candidates.front();
+}
+
 QString settingsFilePath()
 {
-    const QString dir = QCoreApplication::instance()
-                            ? QCoreApplication::applicationDirPath()
-                            : QFileInfo(QFile::symLinkTarget(u"/proc/self/exe"_s)).absolutePath();
-    return dir + u"/zettelfischer.ini"_s;
+    return settingsFilePath(
+        QCoreApplication::instance()
+            ? QCoreApplication::applicationDirPath()
+            : QFileInfo(QFile::symLinkTarget(u"/proc/self/exe"_s)).absolutePath());
 }
 
 void AddExtraDefinition(SharedState& state, qint16 ID, const QString& Wert)
@@ -136,25 +155,28 @@ void LoadSettings(const QString& iniPath, SharedState& state, FieldRows& rows)
 
         if (ini.ReadData(SectionConfig, u"CacheFelder"_s, u"0"_s) == u"1"_s) {
             QList<FieldEntry> entries;
+            bool cached = false;
             for (int n = 1; n <= LastNumber; ++n) {
                 const QString line =
                     ini.ReadData(SectionFields, u"Zeile"_s + QString::number(n), u""_s);
                 if (line.isEmpty())
                     break;
+                cached = true;
                 const qsizetype semicolon = line.indexOf(u';');
                 if (semicolon < 0)
                     continue;
                 if (const auto id = wholeNumber(QStringView(line).first(semicolon)))
                     entries.append({line.mid(semicolon + 1), *id});
             }
-            // Only a cache with at least one usable line replaces the built-in lists.
-            if (!entries.isEmpty()) {
+            // A non-empty first line replaces the built-in lists, even when no line of the
+            // cache can be used: the rows then offer no field at all.
+            if (cached) {
                 // Added in display order, each entry lands at the end of the sorted list;
                 // the stable sort keeps the order of equal names as they were added.
-                std::stable_sort(
-                    entries.begin(), entries.end(), [](const FieldEntry& a, const FieldEntry& b) {
-                        return QString::compare(a.name, b.name, Qt::CaseInsensitive) < 0;
-                    });
+                std::stable_sort(entries.begin(), entries.end(),
+                                 [](const FieldEntry& a, const FieldEntry& b) {
+                                     return FieldNameLess(a.name, b.name);
+                                 });
                 rows.clearFields();
                 for (const FieldEntry& e : entries)
                     rows.addField(e.name, e.id);

@@ -3,11 +3,20 @@
 #include "analysis/session.h"
 
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 
 namespace zf {
 
-// The settings file: zettelfischer.ini in the program's own folder.
+// Where zettelfischer.ini is looked for, in order: beside the program (a portable copy), in
+// the user's config folder ($XDG_CONFIG_HOME/zettelfischer/, ~/.config/zettelfischer/ when
+// unset), in the system's config folders ($XDG_CONFIG_DIRS, /etc/xdg when unset).
+QStringList settingsFileCandidates(const QString& programDir);
+
+// The first candidate that is a file (as clsINI::FileAvailable sees it), else the one beside
+// the program. Reading and the field cache's writes both use this one file.
+QString settingsFilePath(const QString& programDir);
+// The same for this program's own folder.
 QString settingsFilePath();
 
 // Reads definitions, the field cache (when switched on) and the default countries.

@@ -52,6 +52,8 @@ formMain::formMain(MainOptions options, QWidget* parent)
     txtClipText->setObjectName(u"txtClipText"_s);
     txtClipText->setGeometry(8, 392, 428, 137);
     txtClipText->setLineWrapMode(QPlainTextEdit::NoWrap);
+    // Tab moves on along the tab order instead of typing a tab, which would re-analyse.
+    txtClipText->setTabChangesFocus(true);
     connect(txtClipText, &QPlainTextEdit::textChanged, this, &formMain::clipBoxEdited);
 
     buildButtons();
@@ -68,6 +70,10 @@ formMain::formMain(MainOptions options, QWidget* parent)
 
 formMain::~formMain()
 {
+    // A field list that has the focus finishes its editing while the window is torn down,
+    // when the rows are already gone.
+    for (QComboBox* field : txtField)
+        field->lineEdit()->disconnect(this);
     ReleaseActObjects();
 }
 
@@ -92,7 +98,8 @@ void formMain::buildRows()
         field->setModel(rows.fieldModel());
         field->completer()->setCompletionMode(QCompleter::InlineCompletion);
         field->completer()->setCaseSensitivity(Qt::CaseInsensitive);
-        field->completer()->setModelSorting(QCompleter::CaseInsensitivelySortedModel);
+        // The list's German order is not the code order a sorted search expects.
+        field->completer()->setModelSorting(QCompleter::UnsortedModel);
         connect(field, &QComboBox::activated, this,
                 [&rows, row](int pos) { rows.setSelected(row, pos); });
         connect(field->lineEdit(), &QLineEdit::editingFinished, this,
@@ -194,11 +201,13 @@ void formMain::buildButtons()
         button->setToolTip(s.tooltip);
         button->setGeometry(s.place);
         button->setIconSize({16, 16});
-        button->setFont(ClassicFont(s.points, s.bold));
-        // Room for the picture and the button's margins.
-        FitFont(button, s.caption, s.place.width() - 34);
+        // Enter presses the focused button, as Space does.
+        button->setAutoDefault(true);
+        FitButtonFonts({button}, ClassicFont(s.points, s.bold));
         s.button = button;
     }
+    // The two bold buttons side by side share one font.
+    FitButtonFonts({cmdNeuanlageInACT, cmdBearbeitenInAct}, ClassicFont(8.25, true));
     connect(cmdGetClipboard, &QPushButton::clicked, this, &formMain::FetchClipboard);
     connect(cmdNeuanlageInACT, &QPushButton::clicked, this, [this] { TransferContact(true); });
     connect(cmdBearbeitenInAct, &QPushButton::clicked, this, [this] { TransferContact(false); });

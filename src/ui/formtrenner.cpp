@@ -73,6 +73,8 @@ formTrenner::formTrenner(SharedState& state, MessageFunction showMessage, QWidge
     Label1->setFont(ClassicFont(12));
     Label1->setWordWrap(true);
     Label1->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    // Whole at 12 pt in a font with the layout's metrics; a wider font is made smaller.
+    FitWrappedFont(Label1);
 
     cmdTrennerNeu =
         new QPushButton(QIcon(u":/icons/check.svg"_s), u"Trennzeichen übernehmen"_s, this);

@@ -1,7 +1,15 @@
 #include "windowhelpers.h"
 
+#include <QCoreApplication>
 #include <QFontMetrics>
 #include <QGuiApplication>
+#include <QLabel>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QPushButton>
+#include <QStyle>
+#include <QStyleOptionButton>
+#include <QTranslator>
 #include <QWidget>
 #include <QWindow>
 
@@ -30,6 +38,72 @@ void FitFont(QWidget* widget, const QString& text, int availableWidth)
     while (font.pointSizeF() > 6.0 && QFontMetrics(font).horizontalAdvance(text) > availableWidth)
         font.setPointSizeF(font.pointSizeF() - 0.25);
     widget->setFont(font);
+}
+
+int ButtonWidthNeeded(const QPushButton* button, const QFont& font)
+{
+    // As QPushButton::sizeHint measures, but for any font.
+    QStyleOptionButton opt;
+    opt.initFrom(button);
+    opt.features = QStyleOptionButton::None;
+    if (button->autoDefault())
+        opt.features |= QStyleOptionButton::AutoDefaultButton;
+    if (button->isDefault())
+        opt.features |= QStyleOptionButton::DefaultButton;
+    opt.text = button->text();
+    opt.icon = button->icon();
+    opt.iconSize = button->iconSize();
+    const QSize text = QFontMetrics(font).size(Qt::TextShowMnemonic, opt.text);
+    int w = text.width();
+    int h = text.height();
+    if (!opt.icon.isNull()) {
+        w += opt.iconSize.width() + 4;
+        h = qMax(h, opt.iconSize.height());
+    }
+    opt.rect.setSize({w, h});
+    return button->style()->sizeFromContents(QStyle::CT_PushButton, &opt, {w, h}, button).width();
+}
+
+void FitButtonFonts(const QList<QPushButton*>& buttons, QFont font)
+{
+    const auto fits = [&buttons](const QFont& f) {
+        for (const QPushButton* b : buttons)
+            if (ButtonWidthNeeded(b, f) > b->width())
+                return false;
+        return true;
+    };
+    while (font.pointSizeF() > 6.0 && !fits(font))
+        font.setPointSizeF(font.pointSizeF() - 0.25);
+    for (QPushButton* b : buttons)
+        b->setFont(font);
+}
+
+int WrappedTextHeight(const QLabel* label, const QFont& font)
+{
+    const QRect room = label->contentsRect();
+    return QFontMetrics(font)
+        .boundingRect(room, int(label->alignment()) | Qt::TextWordWrap, label->text())
+        .height();
+}
+
+void FitWrappedFont(QLabel* label)
+{
+    QFont font = label->font();
+    while (font.pointSizeF() > 6.0 &&
+           WrappedTextHeight(label, font) > label->contentsRect().height())
+        font.setPointSizeF(font.pointSizeF() - 0.25);
+    label->setFont(font);
+}
+
+bool UseGermanQtTexts()
+{
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    auto* translator = new QTranslator(QCoreApplication::instance());
+    if (!translator->load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        delete translator;
+        return false;
+    }
+    return QCoreApplication::installTranslator(translator);
 }
 
 void SetBusyCursor(bool busy)

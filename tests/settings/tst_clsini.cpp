@@ -1,20 +1,25 @@
-// The INI class and its private-profile layer: lookups, defaults, in-place writes, the
-// Windows-1252 file text and the read buffer.
+// The INI class and its private-profile layer: lookups, defaults, writes that change only
+// their own lines and replace the file safely, the file's encoding and the read buffer.
 
 #include "settings/clsini.h"
 #include "settings/privateprofile.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "filebytes.h"
 
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace zf;
 using namespace Qt::StringLiterals;
+
+Q_DECLARE_METATYPE(zf::profile::WriteStep)
 
 namespace {
 
@@ -68,6 +73,10 @@ private slots:
         row("Windows-1252", "[S]\nK=\xD6sterreich \x80 \x84x\x93\n", "d", "Österreich € „x“");
         row("NUL ends the value", QByteArray("[S]\nK=ab\0cd\n", 13), "d", "ab");
         row("UTF-8 with byte-order mark", "\xEF\xBB\xBF[S]\r\nK=\xC3\x96\r\n", "d", "Ö");
+        row("UTF-8 from a Linux editor", "[S]\nK=\xC3\x96sterreich \xE2\x82\xAC\n", "d",
+            "Österreich €");
+        row("one invalid sequence: Windows-1252", "[S]\nA=\xC3\x96\nK=\xC3\x96\xC3\n", "d", "Ã–Ã");
+        row("overlong form: Windows-1252", "[S]\nK=\xC0\xAF\n", "d", "À¯");
     }
     // Reading never writes or creates the file.
     void read()
@@ -117,8 +126,9 @@ private slots:
             QByteArray(file).replace("  zeile1 = 25;Firma  \n", "zeile1=79;Nachname\r\n"));
         row("new key behind the section's last line", file, "Felder", "Zeile2", "30;Ort",
             QByteArray(file).replace("Firma  \n", "Firma  \nZeile2=30;Ort\r\n"));
-        row("new section, no final line break", "[A]\nX=1", "B", "Y", "2",
-            "[A]\nX=1\r\n[B]\r\nY=2\r\n");
+        row("new section, no final line break", "[A]\nX=1", "B", "Y", "2", "[A]\nX=1\n[B]\nY=2\n");
+        row("line ends as the first line's", "[A]\nX=1\r\n", "A", "X", "2", "[A]\nX=2\n");
+        row("one line, no line break", "[A]", "A", "X", "2", "[A]\r\nX=2\r\n");
         row("new key, no final line break", "[A]\r\nX=1", "A", "Y", "2", "[A]\r\nX=1\r\nY=2\r\n");
         row("new key in an empty section", "[A]\r\n\r\n[B]\r\n", "A", "Y", "2",
             "[A]\r\nY=2\r\n\r\n[B]\r\n");
@@ -126,6 +136,12 @@ private slots:
         row("empty value", "[A]\r\nK=1\r\n", "A", "K", "", "[A]\r\nK=\r\n");
         row("UTF-8 file stays UTF-8", "\xEF\xBB\xBF[A]\r\n", "A", "K", "Ö",
             "\xEF\xBB\xBF[A]\r\nK=\xC3\x96\r\n");
+        row("UTF-8 without mark stays UTF-8", "; \xC3\xA4\n[A]\n", "A", "K", "Łódź",
+            "; \xC3\xA4\n[A]\nK=\xC5\x81\xC3\xB3"
+            "d\xC5\xBA\n");
+        row("ASCII stays Windows-1252", "[A]\n", "A", "K", "Größe",
+            "[A]\nK=Gr\xF6\xDF"
+            "e\n");
     }
     void write()
     {
@@ -213,6 +229,142 @@ private slots:
         const QString target = relative == "<empty>" ? QString() : path(relative);
         QCOMPARE(FileExists(target), expected);
         QCOMPARE(iniAt(target).FileAvailable(), expected);
+    }
+
+    void utf8Detection_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("utf8");
+        QTest::newRow("ASCII only") << QByteArray("[Config]\r\nK=a\r\n") << false;
+        QTest::newRow("two, three and four bytes")
+            << QByteArray("\xC3\xB6 \xE2\x82\xAC \xF0\x9F\x90\x9F") << true;
+        QTest::newRow("highest code point") << QByteArray("\xF4\x8F\xBF\xBF") << true;
+        QTest::newRow("above U+10FFFF") << QByteArray("\xF4\x90\x80\x80") << false;
+        QTest::newRow("Windows-1252 umlaut") << QByteArray("Gr\xF6\xDF"
+                                                           "e")
+                                             << false;
+        QTest::newRow("cut at the end") << QByteArray("ab\xE2\x82") << false;
+        QTest::newRow("continuation byte alone") << QByteArray("a\x80"
+                                                               "b")
+                                                 << false;
+        QTest::newRow("overlong two bytes") << QByteArray("\xC1\xBF") << false;
+        QTest::newRow("overlong three bytes") << QByteArray("\xE0\x9F\xBF") << false;
+        QTest::newRow("surrogate") << QByteArray("\xED\xA0\x80") << false;
+        QTest::newRow("lead byte before ASCII") << QByteArray("\xC3"
+                                                              "A")
+                                                << false;
+    }
+    void utf8Detection()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, utf8);
+        QCOMPARE(profile::IsUtf8Text(bytes), utf8);
+    }
+
+    // Beyond the limit the file counts as unreadable: defaults, and no write touches it.
+    void oversizedFile_data()
+    {
+        QTest::addColumn<qint64>("size");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("at the limit") << profile::MaxFileSize << "gelesen";
+        QTest::newRow("one byte more") << profile::MaxFileSize + 1 << "d";
+    }
+    void oversizedFile()
+    {
+        QFETCH(qint64, size);
+        QFETCH(QString, expected);
+        QByteArray content = "[S]\r\nK=gelesen\r\n;";
+        content += QByteArray(size - content.size(), 'x');
+        clsINI ini = iniAt(path(), content);
+        QCOMPARE(ini.ReadData(u"S"_s, u"K"_s, u"d"_s), expected);
+        ini.WriteData(u"S"_s, u"K"_s, u"neu"_s);
+        QCOMPARE(ini.ReadData(u"S"_s, u"K"_s, u"d"_s), expected == "d" ? "d" : "neu");
+        if (expected == "d")
+            QCOMPARE(readBytes(path()), content);
+    }
+
+    // The program stopped at every step of a write: the file holds the old text or the new
+    // one, never a part.
+    void interruptedWrite()
+    {
+        QByteArray before = "[Felder]\r\n";
+        QList<std::pair<QString, QString>> lines;
+        for (int n = 1; n <= 3000; ++n)
+            lines.append({u"Zeile%1"_s.arg(n), u"%1;Feld %1"_s.arg(n)});
+        // The new text: as an uninterrupted write leaves it.
+        iniAt(path(u"neu.ini"_s), before).WriteSection(u"Felder"_s, lines);
+        const QByteArray after = readBytes(path(u"neu.ini"_s));
+        QVERIFY(after.size() > 3 * 16 * 1024); // written in several pieces
+
+        QStringList seen;
+        for (int stopAt = 1;; ++stopAt) {
+            writeBytes(path(), before);
+            const pid_t child = ::fork();
+            QVERIFY(child >= 0);
+            if (child == 0) {
+                int step = 0;
+                profile::setWriteStepHook([stopAt, &step](profile::WriteStep) {
+                    if (++step == stopAt)
+                        ::_exit(3);
+                    return true;
+                });
+                iniAt(path()).WriteSection(u"Felder"_s, lines);
+                ::_exit(0);
+            }
+            int status = 0;
+            QCOMPARE(::waitpid(child, &status, 0), child);
+            QVERIFY(WIFEXITED(status));
+            const QByteArray now = readBytes(path());
+            QVERIFY2(now == before || now == after,
+                     qPrintable(u"stopped at step %1"_s.arg(stopAt)));
+            seen << (now == before ? u"alt"_s : u"neu"_s);
+            if (WEXITSTATUS(status) == 0)
+                break;
+        }
+        // Old until the rename, new from then on; the last run was not stopped.
+        QCOMPARE(seen.count(u"neu"_s), 2);
+        QVERIFY(seen.size() > 6);
+    }
+
+    // A failing step loses the write and leaves the old file and no temporary file behind.
+    void failedWriteStep_data()
+    {
+        QTest::addColumn<profile::WriteStep>("failing");
+        QTest::newRow("temporary file") << profile::WriteStep::TempCreated;
+        QTest::newRow("writing") << profile::WriteStep::PartWritten;
+        QTest::newRow("flush to disk") << profile::WriteStep::Synced;
+        QTest::newRow("closing") << profile::WriteStep::Closed;
+    }
+    void failedWriteStep()
+    {
+        QFETCH(profile::WriteStep, failing);
+        const QByteArray content = "[A]\r\nK=alt\r\n";
+        clsINI ini = iniAt(path(), content);
+        profile::setWriteStepHook([failing](profile::WriteStep step) { return step != failing; });
+        ini.WriteData(u"A"_s, u"K"_s, u"neu"_s);
+        profile::setWriteStepHook({});
+        QCOMPARE(readBytes(path()), content);
+        QCOMPARE(ini.ReadData(u"A"_s, u"K"_s), "alt");
+        QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList{"test.ini"});
+    }
+
+    // The new file takes the old one's place: same mode, a link stays a link to it.
+    void replacedFileKeepsModeAndLink()
+    {
+        writeBytes(path(), "[A]\r\nK=1\r\n");
+        QVERIFY(QFile::setPermissions(path(), QFile::ReadOwner | QFile::WriteOwner |
+                                                  QFile::ReadGroup | QFile::ReadOther));
+        QVERIFY(QFile::link(path(), path(u"link.ini"_s)));
+        clsINI ini = iniAt(path(u"link.ini"_s));
+        ini.WriteData(u"A"_s, u"K"_s, u"2"_s);
+        QCOMPARE(readBytes(path()), "[A]\r\nK=2\r\n");
+        QCOMPARE(QFileInfo(path(u"link.ini"_s)).symLinkTarget(), path());
+        struct stat st {};
+        QCOMPARE(::stat(QFile::encodeName(path()).constData(), &st), 0);
+        QCOMPARE(st.st_mode & 0777, mode_t(0644));
+        QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden | QDir::System),
+                 (QStringList{"link.ini", "test.ini"}));
     }
 
     void codePage()

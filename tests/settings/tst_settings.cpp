@@ -3,6 +3,7 @@
 
 #include "settings/settings.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -14,6 +15,9 @@ using namespace Qt::StringLiterals;
 
 using Definitions = QList<clsZusatzDefs>;
 using Entries = QList<FieldEntry>;
+
+// The list stays as built in.
+const Entries BuiltIn{{"<eingebaut>", 0}};
 
 namespace {
 
@@ -54,10 +58,10 @@ private slots:
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<Definitions>("definitions");
-        QTest::addColumn<Entries>("entries"); // empty: the built-in list stays
+        QTest::addColumn<Entries>("entries");
 
         const auto row = [](const char* name, const QByteArray& content,
-                            const Definitions& definitions, const Entries& entries = {}) {
+                            const Definitions& definitions, const Entries& entries = BuiltIn) {
             QTest::newRow(name) << content << definitions << entries;
         };
         const QByteArray defs = "[Config]\r\n[Definitionen]\r\n";
@@ -89,12 +93,23 @@ private slots:
         row("shown sorted",
             CacheOn + "Zeile1=79;nachname\nZeile2=25;Firma\nZeile3=-1;(keins)\nZeile4=26;firma\n",
             {}, {{"(keins)", -1}, {"Firma", 25}, {"firma", 26}, {"nachname", 79}});
+        row("sorted as in German",
+            CacheOn + "Zeile1=1;Gz\nZeile2=2;Größe\nZeile3=3;Zeitung\nZeile4=4;Ärzte\n"
+                      "Zeile5=5;Abteilung\nZeile6=6;Grösse\nZeile7=7;ärzte\n",
+            {},
+            {{"Abteilung", 5},
+             {"Ärzte", 4},
+             {"ärzte", 7},
+             {"Grösse", 6},
+             {"Größe", 2},
+             {"Gz", 1},
+             {"Zeitung", 3}});
         row("unusable cache lines skipped",
             CacheOn + "Zeile1=Firma\nZeile2=70000;Gross\nZeile3=abc;Text\nZeile4=2.5;Halb\n"
                       "Zeile5= 30 ;Ort\nZeile6=;Leer\nZeile7=-32768;Min\n"
                       "Zeile8=99999999999999999999;Riesig\n",
             {}, {{"Min", -32768}, {"Ort", 30}});
-        row("only unusable cache lines", CacheOn + "Zeile1=Firma\nZeile2=x;y\n", {});
+        row("only unusable cache lines", CacheOn + "Zeile1=Firma\nZeile2=x;y\n", {}, {});
     }
     void load()
     {
@@ -105,7 +120,7 @@ private slots:
         const auto loaded = loadFrom(ini());
         QCOMPARE(loaded->state.ExtraDefinitions, definitions);
         QCOMPARE(loaded->state.ExtraDefinitionsLoaded, !definitions.isEmpty());
-        QCOMPARE(loaded->entries(), entries.isEmpty() ? loadFrom({})->entries() : entries);
+        QCOMPARE(loaded->entries(), entries == BuiltIn ? loadFrom({})->entries() : entries);
     }
 
     void countriesAndNoWrites_data()
@@ -160,18 +175,65 @@ private slots:
         QCOMPARE(readBytes(ini()), saved);
     }
 
-    // The 16-bit counter ends a huge hand-made list; saving it back ends as well.
-    void tenMegabyteCache()
+    // Several entries for one id: the first in the German order is chosen, after a save and
+    // a restart as well.
+    void severalEntriesForOneId()
     {
-        QByteArray big = CacheOn;
-        for (int n = 1; big.size() < 10'000'000; ++n)
-            big += "Zeile" + QByteArray::number(n) + '=' + QByteArray::number(n % 30000) +
-                   ";Feld " + QByteArray::number(100000000 - n) + "\r\n";
-        writeBytes(ini(), big);
-        const auto loaded = loadFrom(ini());
-        QCOMPARE(loaded->rows.fields().count(), 32767);
-        SaveFieldCache(ini(), loaded->rows);
-        QCOMPARE(loadFrom(ini())->entries(), loaded->entries());
+        writeBytes(ini(),
+                   CacheOn + "Zeile1=25;Zeitung\r\nZeile2=26;Firma\r\nZeile3=25;Ölfirma\r\n");
+        for (int start = 1; start <= 2; ++start) {
+            auto loaded = loadFrom(ini());
+            loaded->rows.SelectRowField(3, 25);
+            QCOMPARE(loaded->rows.fields().nameAt(loaded->rows.selected(3)), "Ölfirma");
+            QCOMPARE(loaded->rows.fieldId(3), 25);
+            SaveFieldCache(ini(), loaded->rows);
+        }
+        QVERIFY(readBytes(ini()).contains("Zeile1=26;Firma\r\nZeile2=25;\xC3\x96lfirma\r\n"));
+    }
+
+    void lookupOrder_data()
+    {
+        QTest::addColumn<QStringList>("present"); // folders, below the test folder, with a file
+        QTest::addColumn<QString>("found");
+        QTest::addColumn<bool>("xdgSet"); // XDG_CONFIG_HOME and XDG_CONFIG_DIRS set
+
+        const QString home = "home/zettelfischer", sys1 = "sys1/zettelfischer",
+                      sys2 = "sys2/zettelfischer", dotConfig = "heim/.config/zettelfischer";
+        QTest::newRow("beside the program first")
+            << QStringList{"programm", home, sys1} << "programm" << true;
+        QTest::newRow("user's config folder") << QStringList{home, sys1, sys2} << home << true;
+        QTest::newRow("first system folder") << QStringList{sys1, sys2} << sys1 << true;
+        QTest::newRow("second system folder") << QStringList{sys2} << sys2 << true;
+        QTest::newRow("none: beside the program") << QStringList{} << "programm" << true;
+        QTest::newRow("~/.config without XDG_CONFIG_HOME")
+            << QStringList{dotConfig} << dotConfig << false;
+        QTest::newRow("a folder of that name is no file")
+            << QStringList{"programm/zettelfischer.ini", sys2} << sys2 << true;
+    }
+    void lookupOrder()
+    {
+        QFETCH(QStringList, present);
+        QFETCH(QString, found);
+        QFETCH(bool, xdgSet);
+        const QDir dir(m_dir->path());
+        const auto env = [](const char* name, const QString& value) {
+            if (value.isEmpty())
+                qunsetenv(name);
+            else
+                qputenv(name, value.toLocal8Bit());
+        };
+        env("HOME", dir.filePath("heim"));
+        env("XDG_CONFIG_HOME", xdgSet ? dir.filePath("home") : QString());
+        env("XDG_CONFIG_DIRS",
+            xdgSet ? dir.filePath("sys1") + ':' + dir.filePath("sys2") : QString());
+        QVERIFY(dir.mkpath("programm"));
+        for (const QString& folder : present) {
+            QVERIFY(dir.mkpath(folder));
+            if (!folder.endsWith(".ini"))
+                writeBytes(dir.filePath(folder + "/zettelfischer.ini"), "[Config]\r\n");
+        }
+        QCOMPARE(settingsFilePath(dir.filePath("programm")),
+                 dir.filePath(found + "/zettelfischer.ini"));
     }
 };
 

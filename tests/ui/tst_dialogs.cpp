@@ -1,5 +1,6 @@
 // The dialogs and helpers on their own: the split preview and the separator chooser, the
-// message box behind the seam, the About box and the busy pointer.
+// message box behind the seam, the About box, the busy pointer, fonts that fit the fixed
+// layout and Qt's German texts.
 
 #include "uitest.h"
 
@@ -8,8 +9,13 @@
 
 #include <QDesktopServices>
 #include <QEnterEvent>
+#include <QFontInfo>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
+
+#include <memory>
 
 using namespace zf;
 using namespace zf::ui;
@@ -137,6 +143,91 @@ private slots:
         QTest::mouseClick(info.XPImage201, Qt::LeftButton);
         QVERIFY(!info.isVisible());
         QCOMPARE(info.result(), int(QDialog::Accepted));
+    }
+
+    // The chooser's instruction is shown whole: at 12 pt in the font the layout was made for,
+    // smaller in a font that runs wider.
+    void chooserInstructionFits_data()
+    {
+        QTest::addColumn<QString>("family"); // "" keeps the dialog's own font
+        QTest::addColumn<bool>("fullSize");
+        QTest::newRow("the dialog's font") << "" << true;
+        QTest::newRow("a wider font") << "DejaVu Sans" << false;
+    }
+    void chooserInstructionFits()
+    {
+        QFETCH(QString, family);
+        QFETCH(bool, fullSize);
+        SharedState state;
+        formTrenner d(state, {});
+        QLabel* label = d.Label1;
+        if (!family.isEmpty()) {
+            label->setFont(QFont(family, 12));
+            FitWrappedFont(label);
+        } else {
+            QCOMPARE(QFontInfo(label->font()).family(), "Liberation Sans");
+        }
+        QVERIFY(WrappedTextHeight(label, label->font()) <= label->contentsRect().height());
+        QCOMPARE(label->font().pointSizeF() == 12.0, fullSize);
+        // Not smaller than needed: a quarter point more would not fit.
+        if (!fullSize) {
+            QFont larger = label->font();
+            larger.setPointSizeF(larger.pointSizeF() + 0.25);
+            QVERIFY(WrappedTextHeight(label, larger) > label->contentsRect().height());
+        }
+    }
+
+    // Buttons side by side get one font, small enough for the longer caption.
+    void buttonPairSharesFont()
+    {
+        QWidget window;
+        QPushButton left(QIcon(":/icons/new.svg"), "Neu Anlegen", &window);
+        QPushButton right(QIcon(":/icons/edit.svg"), "Bearbeiten", &window);
+        for (QPushButton* b : {&left, &right}) {
+            b->resize(103, 25);
+            b->setIconSize({16, 16});
+        }
+        QFont wide("DejaVu Sans");
+        wide.setPointSizeF(8.25);
+        wide.setBold(true);
+        QVERIFY(ButtonWidthNeeded(&left, wide) > 103); // too long at this size
+        FitButtonFonts({&left, &right}, wide);
+        QCOMPARE(left.font(), right.font());
+        QVERIFY(left.font().bold() && left.font().pointSizeF() < 8.25);
+        for (QPushButton* b : {&left, &right})
+            QVERIFY(ButtonWidthNeeded(b, b->font()) <= b->width());
+    }
+
+    // Qt's own texts in the window (the text boxes' context menus, the yes/no buttons) are
+    // German once its translation is loaded, whatever the system's language.
+    void germanQtTexts()
+    {
+        const auto shownTexts = [] {
+            QStringList out;
+            QLineEdit line("x");
+            QPlainTextEdit box("x");
+            for (QMenu* menu :
+                 {line.createStandardContextMenu(), box.createStandardContextMenu()}) {
+                for (const QAction* a : menu->actions())
+                    if (!a->isSeparator())
+                        out << a->text().section('\t', 0, 0); // without the shortcut
+                delete menu;
+            }
+            const std::unique_ptr<QMessageBox> question(
+                makeMessageBox(nullptr, "?", MessageStyle::Question));
+            for (const QAbstractButton* b : question->buttons())
+                out << b->text();
+            return out;
+        };
+        const QStringList before = shownTexts();
+        QVERIFY(before.contains("&Yes") && before.contains("Select All"));
+        QVERIFY(UseGermanQtTexts());
+        const QStringList after = shownTexts();
+        QCOMPARE(after.size(), before.size());
+        for (int i = 0; i < after.size(); ++i)
+            QVERIFY2(after[i] != before[i], qPrintable(before[i]));
+        QVERIFY(after.contains("&Ja") && after.contains("&Nein") &&
+                after.contains("Alles auswählen"));
     }
 
     // Unpaired busy calls, or a pointer stacked elsewhere: one "not busy" ends them all.

@@ -7,12 +7,15 @@
 #include "analysis/messages.h"
 #include "ui/formfertigabfrage.h"
 #include "ui/formmain.h"
+#include "ui/windowhelpers.h"
 
 #include <QClipboard>
 #include <QComboBox>
 #include <QFile>
+#include <QFontInfo>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QWindow>
@@ -149,6 +152,68 @@ private slots:
                 chain << name;
         }
         QCOMPARE(chain, expected);
+    }
+
+    // Tab in the clipboard box moves on along the tab order and leaves the text alone, so
+    // nothing is analysed again; Shift+Tab goes back.
+    void tabLeavesClipboardBox()
+    {
+        Fixture f;
+        formMain& w = f.started(Signature);
+        const QString text = w.txtClipText->toPlainText();
+        QSignalSpy spy(&w.session().rows, &FieldRows::valueChanged);
+        w.txtClipText->setFocus();
+        QTest::keyClick(w.txtClipText, Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), w.cmdGetClipboard);
+        w.txtClipText->setFocus();
+        QTest::keyClick(w.txtClipText, Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(QApplication::focusWidget(), w.txtField[15]);
+        QCOMPARE(w.txtClipText->toPlainText(), text);
+        QVERIFY(spy.isEmpty());
+    }
+
+    // Enter and Return press the focused button, as Space does; in a text box they press none.
+    void enterPressesFocusedButton_data()
+    {
+        QTest::addColumn<QString>("focus");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<bool>("pressed");
+        QTest::newRow("Return") << "cmdNeuerTrenner" << int(Qt::Key_Return) << true;
+        QTest::newRow("Enter on the keypad") << "cmdNeuerTrenner" << int(Qt::Key_Enter) << true;
+        QTest::newRow("Space") << "cmdNeuerTrenner" << int(Qt::Key_Space) << true;
+        QTest::newRow("Return in a value box") << "txtWert_0" << int(Qt::Key_Return) << false;
+    }
+    void enterPressesFocusedButton()
+    {
+        QFETCH(QString, focus);
+        QFETCH(int, key);
+        QFETCH(bool, pressed);
+        Fixture f;
+        formMain& w = f.started();
+        QWidget* target = w.findChild<QWidget*>(focus);
+        QVERIFY(target);
+        target->setFocus();
+        // "Neuen Trenner wählen" with an empty box says so and opens nothing.
+        QTest::keyClick(target, Qt::Key(key));
+        QCOMPARE(f.log.messages, pressed
+                                     ? QStringList{message(msg::NoData, MessageStyle::Exclamation)}
+                                     : QStringList{});
+    }
+
+    // Every caption fits its button; the two bold buttons side by side share one font, at the
+    // given size in the font the layout was made for.
+    void buttonCaptions()
+    {
+        Fixture f;
+        formMain& w = f.started();
+        for (const QPushButton* b : w.findChildren<QPushButton*>())
+            QVERIFY2(ButtonWidthNeeded(b, b->font()) <= b->width(), qPrintable(b->objectName()));
+        const QFont pair = w.cmdNeuanlageInACT->font();
+        QCOMPARE(w.cmdBearbeitenInAct->font(), pair);
+        QVERIFY(pair.bold());
+        QCOMPARE(QFontInfo(pair).family(), "Liberation Sans");
+        QCOMPARE(pair.pointSizeF(), 8.25);
+        QCOMPARE(w.cmdGetClipboard->font().pointSizeF(), 9.75);
     }
 
     void emptyFetchThenBoxEdits()
@@ -363,27 +428,36 @@ private slots:
         Fixture f;
         formMain& w = f.started();
         f.log.answers = {yes ? MessageAnswer::Yes : MessageAnswer::No};
-        // The script records its argument count and first two arguments next to itself.
-        const QByteArray recorder = "#!/bin/sh\nprintf '%s|' \"$#\" \"$1\" \"$2\" > \"$0.args\"\n";
-        QFile script(f.dir.filePath("update.exe"));
+        // The script appends its argument count and first two arguments to "args" beside it.
+        const QByteArray recorder =
+            "#!/bin/sh\nprintf '%s|' \"$#\" \"$1\" \"$2\" >> \"$(dirname \"$0\")/args\"\n";
+        const auto writeScript = [&recorder](const QString& path, bool executable) {
+            QFile script(path);
+            QVERIFY(script.open(QIODevice::WriteOnly) && script.write(recorder) == recorder.size());
+            if (executable)
+                QVERIFY(script.setPermissions(script.permissions() | QFile::ExeOwner));
+        };
         if (program == "folder")
             QVERIFY(QDir(f.dir.path()).mkdir("update.exe"));
         else
-            QVERIFY(script.open(QIODevice::WriteOnly) && script.write(recorder) == recorder.size());
-        script.close();
-        if (program == "script")
-            QVERIFY(script.setPermissions(script.permissions() | QFile::ExeOwner));
+            writeScript(f.dir.filePath("update.exe"), program == "script");
 
         QTest::mouseClick(w.cmdUpdate, Qt::LeftButton);
         QCOMPARE(f.log.messages,
                  QStringList{message(msg::UpdateConfirm, MessageStyle::Question)} + after);
         QCOMPARE(w.isVisible(), !started);
-        // The update program runs on its own; wait for what it recorded.
-        const auto recorded = [&script] {
-            QFile r(script.fileName() + ".args");
-            return r.open(QIODevice::ReadOnly) ? r.readAll() : QByteArray("nothing");
+        // The update program runs on its own. Where none may start, a stand-in started now
+        // marks the end of the wait: an update program started before it shows up as well.
+        if (!started) {
+            writeScript(f.dir.filePath("danach.sh"), true);
+            QVERIFY(QProcess::startDetached(f.dir.filePath("danach.sh"), {"", "danach"}));
+        }
+        const auto recorded = [&f] {
+            QFile r(f.dir.filePath("args"));
+            return r.open(QIODevice::ReadOnly) ? r.readAll() : QByteArray();
         };
-        QTRY_COMPARE_WITH_TIMEOUT(recorded(), QByteArray(started ? "2||small|" : "nothing"), 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(recorded(), QByteArray(started ? "2||small|" : "2||danach|"),
+                                  10000);
     }
 };
 
