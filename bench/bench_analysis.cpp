@@ -86,9 +86,9 @@ void BM_BuildLineList(benchmark::State& state)
 {
     const QString text = manyLines(int(state.range(0)));
     for (auto _ : state) {
-        LineList lines;
+        LineStore lines;
         QString clip;
-        stage::BuildLineList(text, u"\r\n"_s, lines, clip);
+        stage::BuildLineList(text, u"\r\n"_s, lines, &clip);
         benchmark::DoNotOptimize(clip);
     }
     state.SetComplexityN(state.range(0));
