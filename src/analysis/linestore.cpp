@@ -55,7 +55,9 @@ public:
             auto [g, isNew] = groupOfLength.try_emplace(name.size(), m_groups.size());
             if (isNew)
                 m_groups.push_back(Group{name.size(), power(name.size()), {}});
-            std::vector<std::size_t>& sameHash = m_groups[g->second].names[hashOf(name)];
+            const quint64 h = hashOf(name);
+            mark(h, name.size());
+            std::vector<std::size_t>& sameHash = m_groups[g->second].names[h];
             const auto known = std::find_if(sameHash.begin(), sameHash.end(), [&](std::size_t id) {
                 return this->name(m_names[id].front()) == name;
             });
@@ -85,7 +87,9 @@ public:
                 break;
             quint64 h = hashOf(text.left(g.length));
             for (qsizetype start = 0;; ++start) {
-                if (const auto it = g.names.find(h); it != g.names.end())
+                // Most windows are no name: the filter spares their table look-up.
+                const auto it = marked(h, g.length) ? g.names.find(h) : g.names.end();
+                if (it != g.names.end())
                     for (std::size_t id : it->second) {
                         const std::vector<std::size_t>& carriers = m_names[id];
                         const auto next = std::upper_bound(carriers.begin(), carriers.end(), after);
@@ -117,7 +121,25 @@ private:
         return p;
     }
 
+    // One bit per (hash, length) of every name, small enough to stay in the cache.
+    static constexpr int FilterBits = 20;
+    static std::size_t filterIndex(quint64 h, qsizetype length)
+    {
+        return std::size_t(((h + quint64(length)) * 0x9e3779b97f4a7c15ULL) >> (64 - FilterBits));
+    }
+    void mark(quint64 h, qsizetype length)
+    {
+        const std::size_t i = filterIndex(h, length);
+        m_filter[i / 64] |= quint64(1) << (i % 64);
+    }
+    bool marked(quint64 h, qsizetype length) const
+    {
+        const std::size_t i = filterIndex(h, length);
+        return (m_filter[i / 64] >> (i % 64)) & 1;
+    }
+
     const LineStore& m_store;
+    std::vector<quint64> m_filter = std::vector<quint64>((std::size_t(1) << FilterBits) / 64);
     std::vector<LineStore::Slice> m_heads; // the names as the headings gave them
     std::vector<Group> m_groups;
     std::vector<std::vector<std::size_t>> m_names; // per distinct name: its headings
