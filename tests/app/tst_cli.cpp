@@ -87,7 +87,10 @@ private slots:
         row("raw keeps it", {"--raw"}, "A . \r\nB", "A .\r\nB\r\n");
         row("chosen separator", {"--separator", ","}, "A, B", "A\r\nB\r\n");
         row("invalid UTF-8 becomes U+FFFD", {}, "A\xff\nB", "A\xef\xbf\xbd\r\nB\r\n");
-        row("UTF-8 mark dropped", {}, "\xef\xbb\xbf" "A\nB", "A\r\nB\r\n");
+        row("UTF-8 mark dropped", {},
+            "\xef\xbb\xbf"
+            "A\nB",
+            "A\r\nB\r\n");
         row("UTF-16 little-endian by its mark", {},
             "\xff\xfe" + utf16(u"Grüße\r\nB"_s, QSysInfo::LittleEndian), "Grüße\r\nB\r\n");
         row("UTF-16 big-endian by its mark", {},
