@@ -81,14 +81,30 @@ void BM_OneLineOf32767(benchmark::State& state)
 }
 BENCHMARK(BM_OneLineOf32767)->Unit(benchmark::kMicrosecond);
 
+// Repeated company headings: each removes its name from every line before it.
+void BM_100000Headings(benchmark::State& state)
+{
+    QString text;
+    for (int i = 0; i < 100000; ++i)
+        text +=
+            u"Details der Muster GmbH %1 schließen\r\nMuster GmbH %1 Vertrieb\r\n"_s.arg(i % 500);
+    Session session;
+    session.rows.FillDefaultFieldLists();
+    for (auto _ : state) {
+        session.clipText.clear();
+        benchmark::DoNotOptimize(AnalyseText(text, session, Seams{}));
+    }
+}
+BENCHMARK(BM_100000Headings)->Unit(benchmark::kMillisecond);
+
 // Cutting the text into the line list and the box text alone must grow linearly.
 void BM_BuildLineList(benchmark::State& state)
 {
     const QString text = manyLines(int(state.range(0)));
     for (auto _ : state) {
-        LineList lines;
+        LineStore lines;
         QString clip;
-        stage::BuildLineList(text, u"\r\n"_s, lines, clip);
+        stage::BuildLineList(text, u"\r\n"_s, lines, &clip);
         benchmark::DoNotOptimize(clip);
     }
     state.SetComplexityN(state.range(0));

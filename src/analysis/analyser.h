@@ -1,5 +1,6 @@
 #pragma once
 
+#include "linestore.h"
 #include "seams.h"
 #include "session.h"
 #include "zeile.h"
@@ -12,13 +13,26 @@ namespace zf {
 
 struct AnalysisResult {
     bool completed = true; // false when a run-time failure ended the run early
-    LineList lines;        // the line list as it stood when the run ended
+    // The line list as it stood when the run ended: the records the stages took over, then
+    // the store's untaken records from unreachedFrom on, which no stage reached.
+    LineList lines;
+    LineStore store;
+    qsizetype unreachedFrom = 0;
+};
+
+// What a caller needs of a run beyond the rows and the extra values.
+struct RunOptions {
+    // false: session.clipText stays as it is; its lines are in the result's store.
+    bool fillClipText = true;
+    // false: a run that cannot complete ends as soon as that is certain, its lines unsettled.
+    bool keepLines = true;
 };
 
 // One analysis run: clears the rows, cuts the text into lines, scores them and fills the
 // rows. The text is never changed; the rows, the clipboard box and ExtraFieldValues are.
 // The caller empties session.clipText first (the box shows exactly what the run wrote).
-AnalysisResult AnalyseText(const QString& text, Session& session, const Seams& seams);
+AnalysisResult AnalyseText(const QString& text, Session& session, const Seams& seams,
+                           const RunOptions& options = {});
 
 // Removes " . " in front of every line break, as signatures often end lines that way.
 QString PrepareClipboardText(const QString& clipboard);
@@ -27,18 +41,19 @@ QString PrepareClipboardText(const QString& clipboard);
 // analyses the prepared text; an empty (blank-only) clipboard is reported unless silent.
 // Returns the run, or nothing when there was nothing to analyse.
 std::optional<AnalysisResult> FetchClipboardText(const QString& clipboard, Session& session,
-                                                 const Seams& seams, bool silent = false);
+                                                 const Seams& seams, bool silent = false,
+                                                 const RunOptions& options = {});
 
 // The stages of a run, in order; public so that each can be tested on its own.
 namespace stage {
 
 // The separator for this run, or nothing when none is found and the user chooses none.
 std::optional<QString> ChooseSeparator(const QString& text, SharedState& state, const Seams& seams);
-// Cuts, cleans and collects the lines; every kept line also goes to clipText.
-void BuildLineList(const QString& text, const QString& separator, LineList& lines,
-                   QString& clipText);
+// Cuts, cleans and collects the lines; every kept line also goes to clipText when given.
+void BuildLineList(const QString& text, const QString& separator, LineStore& lines,
+                   QString* clipText);
 // Takes the lines that begin with a configured label out of the list, keeping their values.
-void TakeExtraDefinitionLines(LineList& lines, SharedState& state);
+void TakeExtraDefinitionLines(LineStore& lines, SharedState& state);
 // Strips the first German, Swiss and Austrian prefixed postcode and adds its country line.
 void RecogniseCountryPostcodes(LineList& lines);
 

@@ -24,5 +24,7 @@ inline void addChecked(qint16& target, int amount)
 
 // Counts text positions in 16 bits as the helpers do; longer texts are a failure.
 constexpr qsizetype MaxHelperTextLength = 32767;
+// Positions in the line list are 16-bit as well.
+constexpr qsizetype MaxLinePosition = 32767;
 
 } // namespace zf

@@ -7,8 +7,12 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstdio>
+
 // Exit status for a usage error or unreadable input.
 constexpr int ExitUsage = 2;
+// Input beyond this is refused rather than read: the analysis fails on far less anyway.
+constexpr qint64 MaxInputBytes = qint64(64) << 20;
 
 // Prints "zettelfischer-cli: MESSAGE" and a hint to stderr; returns ExitUsage.
 int usageError(const QString& message);
@@ -26,6 +30,7 @@ QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& options);
 
 // One analysis of the command line's input, with the messages it showed.
 struct AnalyseRun {
+    zf::RunOptions options;
     zf::Session session;
     QJsonArray messages;
     zf::AnalysisResult result;
@@ -41,6 +46,9 @@ zf::MessageFunction recordMessages(QJsonArray& messages);
 // The analysis output object: rows, clipText, extraFieldValues, messages, completed (lines).
 QJsonObject analysisToJson(const AnalyseRun& run, bool withTrace);
 void printJson(const QJsonObject& object);
+// The same object written as it goes, so that no document of the whole is held; the box's
+// lines come from the run's store when the run did not fill it.
+void writeAnalysisJson(const AnalyseRun& run, bool withTrace, std::FILE* out);
 
 // zettelfischer-cli analyse ...
 int runAnalyse(const QStringList& args);

@@ -14,7 +14,8 @@ namespace {
 const char* const HelpText =
     R"(Usage: zettelfischer-cli analyse [--raw] [--separator TEXT] [--ini FILE] [--file FILE] [--trace]
 
-Analyses address text (FILE, else standard input, read as UTF-8) and prints the sixteen
+Analyses address text (FILE, else standard input: UTF-16 when it starts with a UTF-16
+byte-order mark, else UTF-8; at most 64 MB) and prints the sixteen
 field rows as one JSON object: rows, clipText, extraFieldValues, messages, completed
 (and with --trace the final line list with every line's scores).
 

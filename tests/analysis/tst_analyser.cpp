@@ -1,4 +1,6 @@
 #include "analysis/analyser.h"
+#include "analysis/failure.h"
+#include "analysis/fields.h"
 #include "analysis/messages.h"
 
 #include "rowview.h"
@@ -26,10 +28,10 @@ struct Run {
 
     Run() { session.rows.FillDefaultFieldLists(); }
     // As the callers do: the box is emptied first.
-    AnalysisResult analyse(const QString& text)
+    AnalysisResult analyse(const QString& text, const RunOptions& options = {})
     {
         session.clipText.clear();
-        return AnalyseText(text, session, seams);
+        return AnalyseText(text, session, seams, options);
     }
 };
 
@@ -53,6 +55,10 @@ private slots:
              "www.muster.de:Website", "Deutschland:Land"});
         row("single line with break", "Muster GmbH\r\n", {"Muster GmbH:Firma", "Deutschland:Land"});
         row("only a break", "\r\n", {"Deutschland:Land"});
+        // A heading whose name is only control characters still trims the lines before it.
+        row("heading name of control characters",
+            "\x01 D - 12345 Berlin\nDetails der \x01 schließen\n",
+            {":Firma", "12345:PLZ", "Berlin:Ort", "Deutschland:Land"});
     }
     void endToEnd()
     {
@@ -86,12 +92,15 @@ private slots:
     {
         Run run;
         run.session.state.ExtraDefinitionsLoaded = true;
-        run.session.state.ExtraDefinitions = {
-            {88, u"Abteilung:"_s}, {12, u"Kundennr:"_s}, {13, u"Kundennr:"_s}, {14, u"Fehlt:"_s}};
+        const qint16 department = qint16(FieldId::Abteilung);
+        run.session.state.ExtraDefinitions = {{department, u"Abteilung:"_s},
+                                              {12, u"Kundennr:"_s},
+                                              {13, u"Kundennr:"_s},
+                                              {14, u"Fehlt:"_s}};
         run.analyse(
             u"abteilung: Vertrieb\nAbteilung:  Einkauf \nKundennr: 1\nKundennr: 2\nACME\n"_s);
         // An exact match, the value trimmed; a label twice takes a line each.
-        const QList<clsZusatzDefs> expected{{88, u"Einkauf"_s}, {12, u"1"_s}, {13, u"2"_s}};
+        const QList<clsZusatzDefs> expected{{department, u"Einkauf"_s}, {12, u"1"_s}, {13, u"2"_s}};
         QCOMPARE(run.session.state.ExtraFieldValues, expected);
         // Taken lines leave the analysis but stay in the box.
         QCOMPARE(shownRows(run.session.rows).size(), 3);
@@ -107,6 +116,41 @@ private slots:
         QCOMPARE(run.messages, Shown{});
         QCOMPARE(run.session.clipText, u"Erste Zeile\r\n"_s);
         QCOMPARE(shownRows(run.session.rows), QStringList{});
+    }
+
+    // Past 32,767 lines the run fails before any row; stopping as soon as that is certain
+    // changes nothing the caller sees, and the kept list holds every line.
+    void tooManyLines()
+    {
+        // Each country walk stops early, so the pass is what fails.
+        QString text = u"D-12345 Berlin\nCH-8000 Zürich\nA-1010 Wien\n"_s;
+        for (int i = 0; i < 40000; ++i)
+            text += u"Zeile %1\n"_s.arg(i);
+        Run kept;
+        kept.session.state.ExtraDefinitionsLoaded = true;
+        kept.session.state.ExtraDefinitions = {{12, u"Zeile 39999"_s}};
+        const AnalysisResult full = kept.analyse(text);
+        QVERIFY(!full.completed);
+        // Three countries and three split-off cities inserted; scored up to where the count
+        // failed.
+        QCOMPARE(qsizetype(full.lines.size()), MaxLinePosition + 1 + 6);
+        QCOMPARE(full.lines.front().Text, u"12345"_s);
+        QCOMPARE(std::next(full.lines.begin(), 1)->Kontakt, 4); // the city, at position 2
+        QCOMPARE(full.lines.back().Text, u"Zeile 32764"_s);
+        QCOMPARE(full.lines.back().Firma, 0);
+        qsizetype rest = 0;
+        for (qsizetype pos = full.unreachedFrom; pos < full.store.size(); ++pos)
+            rest += full.store.isTaken(pos) ? 0 : 1;
+        QCOMPARE(qsizetype(full.lines.size()) + rest, 40003 - 1 + 6); // one line taken
+
+        Run quick;
+        quick.session.state = kept.session.state;
+        const AnalysisResult early = quick.analyse(text, RunOptions{true, false});
+        QVERIFY(!early.completed);
+        QVERIFY(early.lines.empty());
+        QCOMPARE(shownRows(quick.session.rows), QStringList{});
+        QCOMPARE(quick.session.clipText, kept.session.clipText);
+        QCOMPARE(quick.session.state.ExtraFieldValues, (QList<clsZusatzDefs>{{12, u""_s}}));
     }
 
     // Only blanks make an empty clipboard; " . " before a line break goes.

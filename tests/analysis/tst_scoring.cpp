@@ -56,7 +56,7 @@ private slots:
         row("label in capitals", "COMPANY: ACME Corp", 7, "ACME Corp|Firma=18 Kontakt=2");
         row("name", "Name: Müller", 7, "Müller|Kontakt=5 NachName=10");
         row("nachname is no name", "Nachname: Müller", 7, "Müller|NachName=10");
-        row("plz/ort only group 8", "PLZ/Ort: 12345 Berlin", 7,
+        row("plz/ort label is not the plz label", "PLZ/Ort: 12345 Berlin", 7,
             "12345 Berlin|Kontakt=2 PLZ=5 Ort=5");
         row("second label after blank unseen", "Firma: Name: Muster", 7,
             "Name: Muster|Firma=15 Kontakt=2");

@@ -42,6 +42,13 @@ private slots:
         row("quoted heading is ordinary", "> Details der X schließen\n",
             {"Details der X schließen"});
         row("markers share their blank", "A\nDetails der schließen", {"*", "A"}, "A\r\n");
+        // An empty name removes nothing but still trims what stripping left.
+        row("name of control characters only", "\x01 D - 12345 Berlin\nDetails der \x01 schließen",
+            {"*", "D - 12345 Berlin"}, " D - 12345 Berlin\r\n");
+        row("later heading edits an earlier heading record",
+            "A X\nDetails der X schließen\nDetails der A schließen", {"*A", "*X", ""}, "A X\r\n");
+        row("a removal can make the next name appear",
+            "aXb\nDetails der X schließen\nDetails der ab schließen", {"*ab", "*X", ""}, "aXb\r\n");
     }
     void splitting()
     {
@@ -53,14 +60,19 @@ private slots:
         state.ChosenSeparator = chosen;
         const std::optional<QString> separator = stage::ChooseSeparator(text, state, Seams{});
         QVERIFY(separator);
-        LineList list;
+        LineStore store;
         QString clip;
-        stage::BuildLineList(text, *separator, list, clip);
+        stage::BuildLineList(text, *separator, store, &clip);
         QStringList got;
-        for (const clsZeile& z : list)
-            got.append(z.Firma == 20 ? u'*' + z.Text : z.Text);
+        for (qsizetype pos = 0; pos < store.size(); ++pos)
+            got.append((store.isHeading(pos) ? u"*"_s : QString()) + store.text(pos).toString());
         QCOMPARE(got, lines);
         QCOMPARE(clip, clipText.isEmpty() ? lines.join(u"\r\n"_s) + u"\r\n"_s : clipText);
+        // The box's lines are also kept as built, before any heading edited them.
+        QString built;
+        for (qsizetype i = 0; i < store.lineCount(); ++i)
+            built += store.builtLine(i).toString() + u"\r\n"_s;
+        QCOMPARE(built, clip);
     }
 };
 

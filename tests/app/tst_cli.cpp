@@ -1,8 +1,11 @@
 // Runs the real zettelfischer-cli and reads its JSON, as scripts and checks do.
 
 #include <QJsonArray>
+#include <QSysInfo>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <sys/stat.h>
 
 #include "clirun.h"
 
@@ -10,16 +13,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// "value:field" per row ("value:-" without a field), trailing empty rows left off.
-QStringList usedRows(const QJsonObject& json)
+QString dataPath(const QString& name)
 {
-    QStringList out;
-    for (const QJsonValue& v : json[u"rows"_s].toArray()) {
-        const QJsonValue field = v[u"field"_s];
-        out.append(v[u"value"_s].toString() + u':' + (field.isNull() ? u"-"_s : field.toString()));
+    return QStringLiteral(ZF_TEST_DATA) + u'/' + name;
+}
+
+QByteArray utf16(const QString& text, QSysInfo::Endian order)
+{
+    QByteArray out;
+    for (QChar c : text) {
+        const char16_t u = c.unicode();
+        const char hi = char(u >> 8), lo = char(u & 0xff);
+        out += order == QSysInfo::LittleEndian ? QByteArray{&lo, 1} + hi : QByteArray{&hi, 1} + lo;
     }
-    while (!out.isEmpty() && out.last() == u":-"_s)
-        out.removeLast();
     return out;
 }
 
@@ -28,30 +34,42 @@ QStringList usedRows(const QJsonObject& json)
 class TestCli : public QObject {
     Q_OBJECT
 private slots:
-    // Rows with field names and ids (null without a field), and with --trace every line's
-    // twenty scores; the input from a file.
-    void analysisAsJson()
+    // Whole outputs, byte for byte: data/NAME.txt analysed with the row's options must give
+    // data/EXPECTED.json. A mismatch leaves EXPECTED.json.actual beside it for review.
+    void golden_data()
     {
-        QTemporaryDir dir;
-        QFile f(dir.filePath(u"in.txt"_s));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("ACME GmbH\nD-12345 Berlin\n");
-        f.close();
-        const CliRun r = runCli({u"analyse"_s, u"--trace"_s, u"--file"_s, f.fileName()});
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char* input, const QStringList& options, const char* expected) {
+            QTest::newRow(expected)
+                << QString::fromLatin1(input) << options << QString::fromLatin1(expected);
+        };
+        row("signature", {}, "signature");
+        row("signature", {"--trace"}, "signature.trace");
+        row("imprint", {}, "imprint");
+        row("form", {"--ini", dataPath("form.ini")}, "form");
+        row("alpine", {"--trace"}, "alpine.trace");
+        row("chooser", {}, "chooser");
+        row("chooser", {"--separator", ","}, "chooser.comma");
+    }
+    void golden()
+    {
+        QFETCH(QString, input);
+        QFETCH(QStringList, options);
+        QFETCH(QString, expected);
+        const CliRun r =
+            runCli(QStringList{u"analyse"_s, u"--file"_s, dataPath(input + u".txt"_s)} + options);
         QCOMPARE(r.exitCode, 0);
-        const QJsonObject json = r.json();
-        const QJsonArray rows = json[u"rows"_s].toArray();
-        QCOMPARE(rows.size(), 16);
-        QCOMPARE(usedRows(json),
-                 (QStringList{"ACME GmbH:Firma", "12345:PLZ", "Berlin:Ort", "Deutschland:Land"}));
-        QCOMPARE(rows[0][u"fieldId"_s].toInt(), 25);
-        QVERIFY(rows[4][u"fieldId"_s].isNull());
-        QCOMPARE(json[u"completed"_s].toBool(), true);
-        const QJsonObject country = json[u"lines"_s][3].toObject();
-        QCOMPARE(country[u"text"_s].toString(), u"Deutschland"_s);
-        QCOMPARE(country[u"scores"_s].toObject().size(), 20);
-        // 10 from the prefix, 6 for the word, 3 for "land" beyond position 3
-        QCOMPARE(country[u"scores"_s][u"Land"_s].toInt(), 19);
+        QFile want(dataPath(expected + u".json"_s));
+        QVERIFY(want.open(QIODevice::ReadOnly));
+        QFile actual(want.fileName() + u".actual"_s);
+        if (r.out != want.readAll()) {
+            QVERIFY(actual.open(QIODevice::WriteOnly));
+            actual.write(r.out);
+            QFAIL(qPrintable(u"output differs, see "_s + actual.fileName()));
+        }
+        actual.remove();
     }
 
     // The box's text, and the messages as "style:text".
@@ -69,6 +87,16 @@ private slots:
         row("raw keeps it", {"--raw"}, "A . \r\nB", "A .\r\nB\r\n");
         row("chosen separator", {"--separator", ","}, "A, B", "A\r\nB\r\n");
         row("invalid UTF-8 becomes U+FFFD", {}, "A\xff\nB", "A\xef\xbf\xbd\r\nB\r\n");
+        row("UTF-8 mark dropped", {},
+            "\xef\xbb\xbf"
+            "A\nB",
+            "A\r\nB\r\n");
+        row("UTF-16 little-endian by its mark", {},
+            "\xff\xfe" + utf16(u"Grüße\r\nB"_s, QSysInfo::LittleEndian), "Grüße\r\nB\r\n");
+        row("UTF-16 big-endian by its mark", {},
+            "\xfe\xff" + utf16(u"Grüße\r\nB"_s, QSysInfo::BigEndian), "Grüße\r\nB\r\n");
+        row("UTF-16 odd last byte", {}, "\xff\xfe" + utf16(u"A\nB"_s, QSysInfo::LittleEndian) + 'x',
+            "A\r\nB\xef\xbf\xbd\r\n");
         row("empty clipboard", {}, "   ", "", "64:Die Zwischenablage ist leer.");
         row("raw empty text asks for a separator", {"--raw"}, "", "",
             "48:Kein geeignetes Zeilentrennungszeichen gefunden. Zwischenablage konnte nicht "
@@ -97,25 +125,48 @@ private slots:
         QCOMPARE(r.json()[u"clipText"_s].toString(), u"A\r\n"_s);
     }
 
+    // Each refusal names what is wrong, and nothing is written to standard output.
     void usageErrors_data()
     {
         QTest::addColumn<QStringList>("args");
-        QTest::newRow("no command") << QStringList{};
-        QTest::newRow("unknown command") << QStringList{"analyze"};
-        QTest::newRow("unknown option") << QStringList{"analyse", "--fast"};
-        QTest::newRow("separator without value") << QStringList{"analyse", "--separator"};
-        QTest::newRow("missing ini") << QStringList{"analyse", "--ini", "/nonexistent/z.ini"};
-        QTest::newRow("missing file") << QStringList{"analyse", "--file", "/nonexistent/in.txt"};
-        QTest::newRow("folder as file") << QStringList{"analyse", "--file", "/"};
+        QTest::addColumn<QString>("error");
+        const auto row = [](const char* name, const QStringList& args, const QString& error) {
+            QTest::newRow(name) << args << error;
+        };
+        static QTemporaryDir dir;
+        const QString fifo = dir.filePath(u"fifo"_s);
+        ::mkfifo(qPrintable(fifo), 0600);
+        QFile big(dir.filePath(u"big.txt"_s));
+        if (big.open(QIODevice::WriteOnly))
+            big.resize((qint64(64) << 20) + 1); // sparse: nothing is written
+        row("no command", {}, "missing command");
+        row("unknown command", {"analyze"}, "unknown command 'analyze'");
+        row("unknown option", {"analyse", "--fast"}, "unknown option '--fast'");
+        row("separator without value", {"analyse", "--separator"}, "--separator needs a value");
+        row("missing ini", {"analyse", "--ini", "/nonexistent/z.ini"},
+            "settings file '/nonexistent/z.ini' does not exist");
+        row("folder as ini", {"analyse", "--ini", dir.path()},
+            u"settings file '%1' is a folder"_s.arg(dir.path()));
+        row("FIFO as ini", {"analyse", "--ini", fifo},
+            u"settings file '%1' is not a regular file"_s.arg(fifo));
+        row("missing file", {"analyse", "--file", "/nonexistent/in.txt"},
+            "cannot read '/nonexistent/in.txt': No such file or directory");
+        row("folder as file", {"analyse", "--file", "/"}, "cannot read '/'");
+        row("file over 64 MB", {"analyse", "--file", big.fileName()},
+            big.fileName() + u" is larger than 64 MB"_s);
+        row("endless input", {"analyse", "--file", "/dev/zero"}, "/dev/zero is larger than 64 MB");
     }
     void usageErrors()
     {
         QFETCH(QStringList, args);
+        QFETCH(QString, error);
         const CliRun r = runCli(args, "A\n");
         QCOMPARE(r.exitCode, 2);
         QVERIFY(r.out.isEmpty());
-        QCOMPARE(r.err.count('\n'), 2); // the error and the hint
-        QVERIFY(r.err.startsWith("zettelfischer-cli: "));
+        const QList<QByteArray> lines = r.err.split('\n');
+        QCOMPARE(lines.size(), 3); // the error, the hint and the final line break
+        QVERIFY2(lines[0].startsWith("zettelfischer-cli: " + error.toUtf8()), lines[0]);
+        QCOMPARE(lines[1], "Try 'zettelfischer-cli --help'.");
     }
 };
 
