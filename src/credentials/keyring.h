@@ -2,7 +2,7 @@
 
 // The desktop keyring (Secret Service or KWallet, through QtKeychain) as plain calls. Each waits
 // for its answer in a local event loop with a timeout: a keyring that never answers, or waits
-// for an unlock prompt nobody sees, costs the timeout and no more.
+// for an unlock prompt nobody sees, costs the timeout and no more. Needs a QCoreApplication.
 
 #include <QString>
 
