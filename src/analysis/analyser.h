@@ -3,6 +3,7 @@
 #include "session.h"
 #include "zeile.h"
 
+#include <QJsonArray>
 #include <QString>
 
 #include <optional>
@@ -12,6 +13,7 @@ namespace zf {
 struct AnalysisResult {
     bool completed = true; // false when a run-time failure ended the run early
     LineList lines;        // the line list as it stood when the run ended
+    QJsonArray notes;      // enhanced analysis: what each line was taken for, and why
 };
 
 // One analysis run: clears the rows, cuts the text into lines, scores them and fills the

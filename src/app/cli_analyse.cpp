@@ -3,6 +3,7 @@
 #include "cli.h"
 
 #include "analysis/analyser.h"
+#include "enhanced/enhanced.h"
 #include "settings/settings.h"
 
 #include <QFile>
@@ -41,6 +42,8 @@ QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& o)
             o.raw = true;
         } else if (arg == u"--trace"_s && !hasInlineValue) {
             o.trace = true;
+        } else if (arg == u"--enhanced"_s && !hasInlineValue) {
+            o.enhanced = true;
         } else if (arg == u"--separator"_s) {
             if (!takeValue(o.separator))
                 return u"--separator needs a value"_s;
@@ -134,9 +137,10 @@ QString analyseInput(const AnalyseOptions& o, AnalyseRun& run)
     };
     seams.chooseSeparator = [] { return QString(); }; // as if closed without a choice
 
+    const AnalysisMode mode = o.enhanced ? AnalysisMode::Enhanced : ModeOf(session.state);
     if (o.raw) {
-        run.result = AnalyseText(text, session, seams);
-    } else if (auto fetched = FetchClipboardText(text, session, seams)) {
+        run.result = AnalyseTextIn(mode, text, session, seams);
+    } else if (auto fetched = FetchClipboardTextIn(mode, text, session, seams)) {
         run.result = std::move(*fetched);
     }
     return {};
@@ -147,6 +151,8 @@ QJsonObject analysisToJson(const AnalyseRun& run, bool withTrace)
     QJsonObject out = toJson(run.session, run.messages, run.result.completed);
     if (withTrace)
         out.insert(u"lines"_s, linesToJson(run.result.lines));
+    if (withTrace && !run.result.notes.isEmpty())
+        out.insert(u"recognised"_s, run.result.notes);
     return out;
 }
 
