@@ -358,6 +358,16 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
             return;
         }
     }
+    if (const auto hit = ParseLabel(line.text);
+        hit && hit->known && hit->label.kind == LabelKind::Street && !hit->rest.isEmpty() &&
+        !IsThreadCut(line.text)) {
+        QList<Line> extra;
+        Line l = line;
+        applyLabel(l, hit->label, hit->rest, &extra, depth);
+        out.append(l);
+        out.append(extra);
+        return;
+    }
     Line whole = line;
     classifyOne(whole);
     // "Street 1, 12345 City" and "Postfach 12, 12345 City"
@@ -632,7 +642,9 @@ bool Analysis::classifyOne(Line& l)
     if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s))
         return is(Kind::Prose, u"beginnt klein: Satz"_s);
     const int words = int(Words(t).size());
-    if (words > 9)
+    const bool firmFirst = knowledge().companyWords.has(Bare(Words(t).front())) &&
+                           t[0].isUpper() && !t.endsWith(u'.');
+    if (words > 9 && !(firmFirst && words <= 14))
         return is(Kind::Prose, u"mehr als neun Wörter: Satz"_s);
     if (HasLegalForm(t)) {
         l.strength = 3;
@@ -932,12 +944,12 @@ void Analysis::context()
         }
         return out;
     };
+    // The surname in a mail address ("j.tannhaeuser@") speaks for a person; a first word
+    // alone does not, firms are named after their owners too.
     const auto inMail = [&](const PersonName& p) {
         const QString last = fold(p.nachname.section(u' ', -1));
-        const QString first = fold(p.vorname.section(u' ', 0, 0));
         for (const QString& local : mailLocals)
-            if ((last.size() >= 3 && local.contains(last)) ||
-                (first.size() >= 3 && local.contains(first)))
+            if (last.size() >= 3 && local.contains(last))
                 return true;
         return false;
     };
@@ -1079,47 +1091,6 @@ void Analysis::assemble()
         }
     }
 
-    // The firm: a heading, a label, a legal form, a firm word, else the line above the
-    // address.
-    int company = first([](const Line& l) { return l.kind == Kind::Heading && !l.value.isEmpty(); });
-    QString companyText = company >= 0 ? m_lines[company].value : QString();
-    if (company < 0) {
-        for (int s : {4, 3, 2, 1}) {
-            company = first([s](const Line& l) { return l.kind == Kind::Company && l.strength == s; });
-            if (company >= 0)
-                break;
-        }
-        if (company >= 0)
-            companyText = m_lines[company].labelled ? m_lines[company].value : m_lines[company].text;
-    }
-    int department = last([](const Line& l) { return l.kind == Kind::Department && l.labelled; });
-    if (department < 0)
-        department = first([](const Line& l) { return l.kind == Kind::Department; });
-    if (company < 0) {
-        const int anchor = street >= 0 ? street : place;
-        for (int i = anchor - 1; anchor >= 0 && i >= m_from && i >= anchor - 4; --i) {
-            if (!usable(i))
-                continue;
-            const Line& l = m_lines[i];
-            if (l.kind == Kind::Address2 || l.kind == Kind::Noise || l.kind == Kind::Job ||
-                l.kind == Kind::Blank || l.kind == Kind::Department)
-                continue;
-            if (l.kind == Kind::Unknown && !l.nameShaped && CountDigitsIn(l.text) == 0 &&
-                Words(l.text).size() <= 6) {
-                company = i;
-                companyText = l.text;
-                m_lines[i].why += u"; über der Anschrift: Firma"_s;
-            }
-            break;
-        }
-    }
-    if (company < 0 && department >= 0) {
-        company = department;
-        companyText = m_lines[department].labelled ? m_lines[department].value
-                                                   : m_lines[department].text;
-        department = -1;
-    }
-
     // The person: a form's name, the signer under the closing, a marked name, an imprint's
     // first managing director.
     int person = -1;
@@ -1152,6 +1123,49 @@ void Analysis::assemble()
     if (const int t = last([](const Line& l) { return l.kind == Kind::Title && l.labelled; }); t >= 0) {
         name.titel = m_lines[t].value;
         take(t, u"Titel"_s);
+    }
+
+    // The firm: a heading, a label, a legal form, a firm word, else the line above the
+    // address.
+    int company = first([](const Line& l) { return l.kind == Kind::Heading && !l.value.isEmpty(); });
+    QString companyText = company >= 0 ? m_lines[company].value : QString();
+    if (company < 0) {
+        for (int s : {4, 3, 2, 1}) {
+            company = first([s](const Line& l) { return l.kind == Kind::Company && l.strength == s; });
+            if (company >= 0)
+                break;
+        }
+        if (company >= 0)
+            companyText = m_lines[company].labelled ? m_lines[company].value : m_lines[company].text;
+    }
+    int department = last([](const Line& l) { return l.kind == Kind::Department && l.labelled; });
+    if (department < 0)
+        department = first([](const Line& l) { return l.kind == Kind::Department; });
+    if (company < 0) {
+        const int anchor = street >= 0 ? street : place;
+        for (int i = anchor - 1; anchor >= 0 && i >= m_from && i >= anchor - 4; --i) {
+            if (!usable(i))
+                continue;
+            const Line& l = m_lines[i];
+            if (l.kind == Kind::Address2 || l.kind == Kind::Noise || l.kind == Kind::Job ||
+                l.kind == Kind::Blank || l.kind == Kind::Department)
+                continue;
+            const bool loose = l.kind == Kind::Unknown ||
+                               (l.kind == Kind::Person && l.personSource == PersonSource::Evidence &&
+                                i != person);
+            if (loose && CountDigitsIn(l.text) == 0 && Words(l.text).size() <= 6) {
+                company = i;
+                companyText = l.text;
+                m_lines[i].why += u"; über der Anschrift: Firma"_s;
+            }
+            break;
+        }
+    }
+    if (company < 0 && department >= 0) {
+        company = department;
+        companyText = m_lines[department].labelled ? m_lines[department].value
+                                                   : m_lines[department].text;
+        department = -1;
     }
 
     // The country: named with the address, or a country line, else from the postcode and
@@ -1389,7 +1403,14 @@ AnalysisResult AnalyseTextEnhanced(const QString& input, Session& session, const
         for (qsizetype i = text.indexOf(u'\r'); i >= 0; i = text.indexOf(u'\r', i + 1))
             if (i + 1 >= text.size() || text[i + 1] != u'\n')
                 text.insert(++i, u'\n');
-        const std::optional<QString> separator = stage::ChooseSeparator(text, session.state, seams);
+        // A text without any line separator is one line: there is nothing to choose.
+        static const QString lineBreak = u"\r\n"_s;
+        const bool oneLine = session.state.ChosenSeparator.isEmpty() && !text.contains(u'\n') &&
+                             !text.contains(u'\t') && !text.contains(u';') &&
+                             !text.contains(u'#');
+        const std::optional<QString> separator =
+            oneLine ? std::optional<QString>(lineBreak)
+                    : stage::ChooseSeparator(text, session.state, seams);
         if (!separator)
             return result;
         // The classic cut gives the box its text and takes out the configured labels.
