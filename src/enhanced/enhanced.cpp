@@ -22,40 +22,89 @@ constexpr int MaxLines = 4000;
 constexpr qsizetype MaxLineLength = 600;
 
 enum class Kind {
-    Blank, Unknown, Noise, Prose, Closing, Opening, Cut, Heading, LabelOnly, Company,
-    Department, Job, Person, NamePart, Salutation, Title, Street, Address2, PoBox,
-    PostcodeCity, Postcode, City, Country, Phone, Email, Website,
+    Blank,
+    Unknown,
+    Noise,
+    Prose,
+    Closing,
+    Opening,
+    Cut,
+    Heading,
+    LabelOnly,
+    Company,
+    Department,
+    Job,
+    Person,
+    NamePart,
+    Salutation,
+    Title,
+    Street,
+    Address2,
+    PoBox,
+    PostcodeCity,
+    Postcode,
+    City,
+    Country,
+    Phone,
+    Email,
+    Website,
 };
 
 const char* kindName(Kind k)
 {
     switch (k) {
-    case Kind::Blank: return "Leerzeile";
-    case Kind::Unknown: return "unbestimmt";
-    case Kind::Noise: return "Beiwerk";
-    case Kind::Prose: return "Fließtext";
-    case Kind::Closing: return "Grußformel";
-    case Kind::Opening: return "Anrede im Text";
-    case Kind::Cut: return "ältere Nachricht";
-    case Kind::Heading: return "Überschrift";
-    case Kind::LabelOnly: return "Etikett";
-    case Kind::Company: return "Firma";
-    case Kind::Department: return "Abteilung";
-    case Kind::Job: return "Funktion";
-    case Kind::Person: return "Person";
-    case Kind::NamePart: return "Namensteil";
-    case Kind::Salutation: return "Anrede";
-    case Kind::Title: return "Titel";
-    case Kind::Street: return "Straße";
-    case Kind::Address2: return "Adresszusatz";
-    case Kind::PoBox: return "Postfach";
-    case Kind::PostcodeCity: return "PLZ und Ort";
-    case Kind::Postcode: return "PLZ";
-    case Kind::City: return "Ort";
-    case Kind::Country: return "Land";
-    case Kind::Phone: return "Rufnummer";
-    case Kind::Email: return "E-Mail";
-    case Kind::Website: return "Website";
+    case Kind::Blank:
+        return "Leerzeile";
+    case Kind::Unknown:
+        return "unbestimmt";
+    case Kind::Noise:
+        return "Beiwerk";
+    case Kind::Prose:
+        return "Fließtext";
+    case Kind::Closing:
+        return "Grußformel";
+    case Kind::Opening:
+        return "Anrede im Text";
+    case Kind::Cut:
+        return "ältere Nachricht";
+    case Kind::Heading:
+        return "Überschrift";
+    case Kind::LabelOnly:
+        return "Etikett";
+    case Kind::Company:
+        return "Firma";
+    case Kind::Department:
+        return "Abteilung";
+    case Kind::Job:
+        return "Funktion";
+    case Kind::Person:
+        return "Person";
+    case Kind::NamePart:
+        return "Namensteil";
+    case Kind::Salutation:
+        return "Anrede";
+    case Kind::Title:
+        return "Titel";
+    case Kind::Street:
+        return "Straße";
+    case Kind::Address2:
+        return "Adresszusatz";
+    case Kind::PoBox:
+        return "Postfach";
+    case Kind::PostcodeCity:
+        return "PLZ und Ort";
+    case Kind::Postcode:
+        return "PLZ";
+    case Kind::City:
+        return "Ort";
+    case Kind::Country:
+        return "Land";
+    case Kind::Phone:
+        return "Rufnummer";
+    case Kind::Email:
+        return "E-Mail";
+    case Kind::Website:
+        return "Website";
     }
     return "";
 }
@@ -102,8 +151,8 @@ QString cleaned(QStringView raw)
             blank = false;
             continue;
         }
-        if (u < 0x20 || (u >= 0x7f && u < 0xa0) || (u >= 0x200b && u <= 0x200f) ||
-            u == 0xfeff || u == 0xad || u == 0x2028 || u == 0x2029)
+        if (u < 0x20 || (u >= 0x7f && u < 0xa0) || (u >= 0x200b && u <= 0x200f) || u == 0xfeff ||
+            u == 0xad || u == 0x2028 || u == 0x2029)
             continue;
         if (u == 0xa0 || (u >= 0x2000 && u <= 0x200a) || u == 0x202f || u == u' ') {
             blank = true;
@@ -351,16 +400,16 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
                 (hit->label.kind != LabelKind::Phone && hit->label.kind != LabelKind::Email &&
                  hit->label.kind != LabelKind::Web))
                 continue;
-            QList<Line> pieces = piecesOf(
-                {line.text.left(w[i].data() - line.text.data()), rest.toString()});
+            QList<Line> pieces =
+                piecesOf({line.text.left(w[i].data() - line.text.data()), rest.toString()});
             for (Line& p : pieces)
                 classifyInto(p, out, depth + 1);
             return;
         }
     }
-    if (const auto hit = ParseLabel(line.text);
-        hit && hit->known && hit->label.kind == LabelKind::Street && !hit->rest.isEmpty() &&
-        !IsThreadCut(line.text)) {
+    if (const auto hit = ParseLabel(line.text); hit && hit->known &&
+                                                hit->label.kind == LabelKind::Street &&
+                                                !hit->rest.isEmpty() && !IsThreadCut(line.text)) {
         QList<Line> extra;
         Line l = line;
         applyLabel(l, hit->label, hit->rest, &extra, depth);
@@ -371,8 +420,8 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
     Line whole = line;
     classifyOne(whole);
     // "Street 1, 12345 City" and "Postfach 12, 12345 City"
-    if ((whole.kind == Kind::Unknown || whole.kind == Kind::Noise) &&
-        line.text.contains(u", "_s) && depth < 3) {
+    if ((whole.kind == Kind::Unknown || whole.kind == Kind::Noise) && line.text.contains(u", "_s) &&
+        depth < 3) {
         QList<Line> pieces = piecesOf(line.text.split(u", "_s));
         bool postal = false;
         for (Line& p : pieces) {
@@ -549,9 +598,9 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
             const QList<QStringView> w = Words(value);
             l.kind = Kind::PostcodeCity;
             l.place.plz = w.isEmpty() ? QString() : w[0].toString();
-            l.place.ort = w.size() > 1 ? QStringView(value).mid(w[1].data() - value.data())
-                                             .toString()
-                                       : QString();
+            l.place.ort = w.size() > 1
+                              ? QStringView(value).mid(w[1].data() - value.data()).toString()
+                              : QString();
         }
         l.why += u"PLZ und Ort hinter dem Etikett"_s;
         return;
@@ -613,8 +662,8 @@ bool Analysis::classifyOne(Line& l)
         l.value = mail;
         return is(Kind::Email, u"E-Mail-Adresse"_s);
     }
-    if (const QString host = FindWebHost(t, Words(t).size() == 1); !host.isEmpty() &&
-                                                                   Words(t).size() <= 3) {
+    if (const QString host = FindWebHost(t, Words(t).size() == 1);
+        !host.isEmpty() && Words(t).size() <= 3) {
         l.value = host;
         return is(Kind::Website, u"Webadresse"_s);
     }
@@ -642,8 +691,8 @@ bool Analysis::classifyOne(Line& l)
     if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s))
         return is(Kind::Prose, u"beginnt klein: Satz"_s);
     const int words = int(Words(t).size());
-    const bool firmFirst = knowledge().companyWords.has(Bare(Words(t).front())) &&
-                           t[0].isUpper() && !t.endsWith(u'.');
+    const bool firmFirst =
+        knowledge().companyWords.has(Bare(Words(t).front())) && t[0].isUpper() && !t.endsWith(u'.');
     if (words > 9 && !(firmFirst && words <= 14))
         return is(Kind::Prose, u"mehr als neun Wörter: Satz"_s);
     if (HasLegalForm(t)) {
@@ -911,12 +960,10 @@ void Analysis::context()
         if (l.skipped || l.kind != Kind::Street || l.strength != 1)
             continue;
         const int next = nextInBlock(i);
-        const bool sameLineNext =
-            i + 1 < m_to && m_lines[i + 1].source == l.source &&
-            m_lines[i + 1].kind == Kind::PostcodeCity;
-        if (sameLineNext ||
-            (next >= 0 && (m_lines[next].kind == Kind::PostcodeCity ||
-                           m_lines[next].kind == Kind::Postcode))) {
+        const bool sameLineNext = i + 1 < m_to && m_lines[i + 1].source == l.source &&
+                                  m_lines[i + 1].kind == Kind::PostcodeCity;
+        if (sameLineNext || (next >= 0 && (m_lines[next].kind == Kind::PostcodeCity ||
+                                           m_lines[next].kind == Kind::Postcode))) {
             l.strength = 2;
             l.why += u"; die Postleitzahl folgt"_s;
         }
@@ -931,10 +978,18 @@ void Analysis::context()
         QString out;
         for (QChar c : s.toLower()) {
             switch (c.unicode()) {
-            case u'ä': out += u"ae"_s; break;
-            case u'ö': out += u"oe"_s; break;
-            case u'ü': out += u"ue"_s; break;
-            case u'ß': out += u"ss"_s; break;
+            case u'ä':
+                out += u"ae"_s;
+                break;
+            case u'ö':
+                out += u"oe"_s;
+                break;
+            case u'ü':
+                out += u"ue"_s;
+                break;
+            case u'ß':
+                out += u"ss"_s;
+                break;
             default: {
                 const QString d = QString(c).normalized(QString::NormalizationForm_D);
                 if (!d.isEmpty() && d[0].isLetter())
@@ -963,8 +1018,7 @@ void Analysis::context()
             if (c.kind == Kind::Blank || c.skipped || c.kind == Kind::Closing)
                 continue;
             ++seen;
-            if ((c.kind == Kind::Unknown || c.kind == Kind::Noise) &&
-                Words(c.text).size() == 1)
+            if ((c.kind == Kind::Unknown || c.kind == Kind::Noise) && Words(c.text).size() == 1)
                 continue; // a first name alone ("Florian"), then the full name
             if (c.kind == Kind::Person || c.nameShaped) {
                 if (c.person.addressee)
@@ -1096,17 +1150,18 @@ void Analysis::assemble()
     int person = -1;
     for (PersonSource s : {PersonSource::Form, PersonSource::Closing, PersonSource::Marked,
                            PersonSource::Evidence, PersonSource::Role}) {
-        person = first([s](const Line& l) {
-            return l.kind == Kind::Person && l.personSource == s && !l.person.addressee;
-        });
+        person =
+            first([s](const Line& l) { return l.kind == Kind::Person && l.personSource == s; });
         if (person >= 0)
             break;
     }
     PersonName name = person >= 0 ? m_lines[person].person : PersonName();
-    const int firstName =
-        last([](const Line& l) { return l.kind == Kind::NamePart && l.labelKind == LabelKind::FirstName; });
-    const int lastName =
-        last([](const Line& l) { return l.kind == Kind::NamePart && l.labelKind == LabelKind::LastName && l.labelled; });
+    const int firstName = last([](const Line& l) {
+        return l.kind == Kind::NamePart && l.labelKind == LabelKind::FirstName;
+    });
+    const int lastName = last([](const Line& l) {
+        return l.kind == Kind::NamePart && l.labelKind == LabelKind::LastName && l.labelled;
+    });
     if (firstName >= 0 && (person < 0 || m_lines[person].personSource != PersonSource::Form)) {
         name.vorname = m_lines[firstName].value;
         take(firstName, u"Vorname"_s);
@@ -1120,23 +1175,27 @@ void Analysis::assemble()
         name.anrede = m_lines[s].value;
         take(s, u"Anrede"_s);
     }
-    if (const int t = last([](const Line& l) { return l.kind == Kind::Title && l.labelled; }); t >= 0) {
+    if (const int t = last([](const Line& l) { return l.kind == Kind::Title && l.labelled; });
+        t >= 0) {
         name.titel = m_lines[t].value;
         take(t, u"Titel"_s);
     }
 
     // The firm: a heading, a label, a legal form, a firm word, else the line above the
     // address.
-    int company = first([](const Line& l) { return l.kind == Kind::Heading && !l.value.isEmpty(); });
+    int company =
+        first([](const Line& l) { return l.kind == Kind::Heading && !l.value.isEmpty(); });
     QString companyText = company >= 0 ? m_lines[company].value : QString();
     if (company < 0) {
         for (int s : {4, 3, 2, 1}) {
-            company = first([s](const Line& l) { return l.kind == Kind::Company && l.strength == s; });
+            company =
+                first([s](const Line& l) { return l.kind == Kind::Company && l.strength == s; });
             if (company >= 0)
                 break;
         }
         if (company >= 0)
-            companyText = m_lines[company].labelled ? m_lines[company].value : m_lines[company].text;
+            companyText =
+                m_lines[company].labelled ? m_lines[company].value : m_lines[company].text;
     }
     int department = last([](const Line& l) { return l.kind == Kind::Department && l.labelled; });
     if (department < 0)
@@ -1150,9 +1209,9 @@ void Analysis::assemble()
             if (l.kind == Kind::Address2 || l.kind == Kind::Noise || l.kind == Kind::Job ||
                 l.kind == Kind::Blank || l.kind == Kind::Department)
                 continue;
-            const bool loose = l.kind == Kind::Unknown ||
-                               (l.kind == Kind::Person && l.personSource == PersonSource::Evidence &&
-                                i != person);
+            const bool loose =
+                l.kind == Kind::Unknown ||
+                (l.kind == Kind::Person && l.personSource == PersonSource::Evidence && i != person);
             if (loose && CountDigitsIn(l.text) == 0 && Words(l.text).size() <= 6) {
                 company = i;
                 companyText = l.text;
@@ -1163,8 +1222,8 @@ void Analysis::assemble()
     }
     if (company < 0 && department >= 0) {
         company = department;
-        companyText = m_lines[department].labelled ? m_lines[department].value
-                                                   : m_lines[department].text;
+        companyText =
+            m_lines[department].labelled ? m_lines[department].value : m_lines[department].text;
         department = -1;
     }
 
@@ -1184,14 +1243,15 @@ void Analysis::assemble()
                 hinted = CountryOfNumber(m_lines[i].value);
         if (hinted.isEmpty()) {
             for (int i = m_from; i < m_to && hinted.isEmpty(); ++i) {
-                if (!usable(i) || (m_lines[i].kind != Kind::Email && m_lines[i].kind != Kind::Website))
+                if (!usable(i) ||
+                    (m_lines[i].kind != Kind::Email && m_lines[i].kind != Kind::Website))
                     continue;
                 const QString host = m_lines[i].value.section(u'@', -1).toLower();
                 hinted = knowledge().topLevelDomains.value(host.mid(host.lastIndexOf(u'.')));
             }
         }
-        static const QSet<QString> fourDigit{u"Österreich"_s, u"Schweiz"_s, u"Liechtenstein"_s,
-                                             u"Belgien"_s, u"Luxemburg"_s, u"Dänemark"_s};
+        static const QSet<QString> fourDigit{u"Österreich"_s, u"Schweiz"_s,   u"Liechtenstein"_s,
+                                             u"Belgien"_s,    u"Luxemburg"_s, u"Dänemark"_s};
         static const QSet<QString> fiveDigit{u"Deutschland"_s, u"Frankreich"_s, u"Italien"_s};
         if (system == u"4"_s)
             land = fourDigit.contains(hinted) ? hinted : m_state.StandardLand4PLZ;
@@ -1220,7 +1280,8 @@ void Analysis::assemble()
         } else if (l.phone == PhoneRole::Mobile) {
             if (mobile < 0)
                 mobile = i;
-        } else if (l.phone == PhoneRole::Plain && IsMobileNumber(l.value, land.isEmpty() ? m_state.StandardLand5PLZ : land)) {
+        } else if (l.phone == PhoneRole::Plain &&
+                   IsMobileNumber(l.value, land.isEmpty() ? m_state.StandardLand5PLZ : land)) {
             mobileGuesses.append(i);
         } else {
             bool dup = false;
@@ -1244,10 +1305,14 @@ void Analysis::assemble()
             if (v.role == PhoneRole::Plain && m_lines[v.line].value.endsWith(u"-0"_s))
                 v.role = PhoneRole::Main;
     const auto rank = [](PhoneRole r) {
-        return r == PhoneRole::Direct ? 0 : r == PhoneRole::Plain ? 1 : r == PhoneRole::Second ? 2 : 3;
+        return r == PhoneRole::Direct   ? 0
+               : r == PhoneRole::Plain  ? 1
+               : r == PhoneRole::Second ? 2
+                                        : 3;
     };
-    std::stable_sort(voice.begin(), voice.end(),
-                     [&rank](const Number& a, const Number& b) { return rank(a.role) < rank(b.role); });
+    std::stable_sort(voice.begin(), voice.end(), [&rank](const Number& a, const Number& b) {
+        return rank(a.role) < rank(b.role);
+    });
 
     const int mail = first([](const Line& l) { return l.kind == Kind::Email; });
     const int web = first([](const Line& l) { return l.kind == Kind::Website; });
@@ -1272,7 +1337,8 @@ void Analysis::assemble()
     QStringList secondLines;
     if (street >= 0) {
         const Line& s = m_lines[street];
-        add(FieldId::Adresse, s.labelled && s.value.isEmpty() ? s.text : (s.value.isEmpty() ? s.text : s.value));
+        add(FieldId::Adresse,
+            s.labelled && s.value.isEmpty() ? s.text : (s.value.isEmpty() ? s.text : s.value));
         take(street, u"Adresse"_s);
         if (extraLine >= 0) {
             secondLines.append(m_lines[extraLine].text);
@@ -1308,7 +1374,7 @@ void Analysis::assemble()
         }
         if (land.isEmpty() && pc >= 0)
             land = m_lines[pc].place.plz.size() == 4 ? m_state.StandardLand4PLZ
-                                                      : m_state.StandardLand5PLZ;
+                                                     : m_state.StandardLand5PLZ;
     }
     add(FieldId::Land, land);
     if (countryLine >= 0)
@@ -1386,7 +1452,8 @@ QJsonArray Analysis::notes() const
         out.append(note);
     }
     if (m_truncated)
-        out.append(QJsonObject{{u"why"_s, u"Text nach %1 Zeilen nicht mehr untersucht"_s.arg(MaxLines)}});
+        out.append(
+            QJsonObject{{u"why"_s, u"Text nach %1 Zeilen nicht mehr untersucht"_s.arg(MaxLines)}});
     return out;
 }
 
@@ -1406,8 +1473,7 @@ AnalysisResult AnalyseTextEnhanced(const QString& input, Session& session, const
         // A text without any line separator is one line: there is nothing to choose.
         static const QString lineBreak = u"\r\n"_s;
         const bool oneLine = session.state.ChosenSeparator.isEmpty() && !text.contains(u'\n') &&
-                             !text.contains(u'\t') && !text.contains(u';') &&
-                             !text.contains(u'#');
+                             !text.contains(u'\t') && !text.contains(u';') && !text.contains(u'#');
         const std::optional<QString> separator =
             oneLine ? std::optional<QString>(lineBreak)
                     : stage::ChooseSeparator(text, session.state, seams);
@@ -1415,7 +1481,12 @@ AnalysisResult AnalyseTextEnhanced(const QString& input, Session& session, const
             return result;
         // The classic cut gives the box its text and takes out the configured labels.
         LineList classic;
-        stage::BuildLineList(text, *separator, classic, session.clipText);
+        try {
+            stage::BuildLineList(text, *separator, classic, session.clipText);
+        } catch (const AnalysisFailure&) {
+            // An over-long line ends the classic cut; the box keeps what it had, the
+            // enhanced lines are bounded on their own.
+        }
         enhanced::Analysis analysis(session.state);
         analysis.cut(text, *separator);
         if (session.state.ExtraDefinitionsLoaded) {
@@ -1435,9 +1506,8 @@ AnalysisResult AnalyseTextEnhanced(const QString& input, Session& session, const
     return result;
 }
 
-std::optional<AnalysisResult> FetchClipboardTextEnhanced(const QString& clipboard,
-                                                         Session& session, const Seams& seams,
-                                                         bool silent)
+std::optional<AnalysisResult> FetchClipboardTextEnhanced(const QString& clipboard, Session& session,
+                                                         const Seams& seams, bool silent)
 {
     session.clipText.clear();
     session.state.ClipboardText = clipboard;

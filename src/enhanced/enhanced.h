@@ -21,9 +21,8 @@ enum class AnalysisMode { Classic, Enhanced };
 AnalysisResult AnalyseTextEnhanced(const QString& text, Session& session, const Seams& seams);
 
 // Same contract as FetchClipboardText.
-std::optional<AnalysisResult> FetchClipboardTextEnhanced(const QString& clipboard,
-                                                         Session& session, const Seams& seams,
-                                                         bool silent = false);
+std::optional<AnalysisResult> FetchClipboardTextEnhanced(const QString& clipboard, Session& session,
+                                                         const Seams& seams, bool silent = false);
 
 // The one switch for callers that offer both modes (the window, the command line).
 AnalysisResult AnalyseTextIn(AnalysisMode mode, const QString& text, Session& session,

@@ -135,15 +135,14 @@ Knowledge load()
         if (kind == u"prefix"_s)
             k.postalPrefixes.insert(p[0], PostalPrefix{p.value(1), p.value(2).toInt()});
         else if (kind == u"dial"_s)
-            k.dialCodes.append(DialCode{p[0], p.value(1),
-                                        p.value(2).split(u',', Qt::SkipEmptyParts)});
+            k.dialCodes.append(
+                DialCode{p[0], p.value(1), p.value(2).split(u',', Qt::SkipEmptyParts)});
         else if (kind == u"tld"_s)
             k.topLevelDomains.insert(p[0], p.value(1));
     }
-    std::stable_sort(k.dialCodes.begin(), k.dialCodes.end(),
-                     [](const DialCode& a, const DialCode& b) {
-                         return a.code.size() > b.code.size();
-                     });
+    std::stable_sort(
+        k.dialCodes.begin(), k.dialCodes.end(),
+        [](const DialCode& a, const DialCode& b) { return a.code.size() > b.code.size(); });
     for (const QString& e : entries(u"us_states.txt"_s))
         for (const QString& s : e.split(u' ', Qt::SkipEmptyParts))
             k.usStates.insert(s);

@@ -20,8 +20,26 @@ struct WordList {
 };
 
 enum class LabelKind {
-    Phone, Email, Web, Company, Name, FirstName, LastName, Contact, Role, Salutation, Title,
-    Department, Street, Postcode, City, PostcodeCity, Country, Job, SkipBlock, SkipLine,
+    Phone,
+    Email,
+    Web,
+    Company,
+    Name,
+    FirstName,
+    LastName,
+    Contact,
+    Role,
+    Salutation,
+    Title,
+    Department,
+    Street,
+    Postcode,
+    City,
+    PostcodeCity,
+    Country,
+    Job,
+    SkipBlock,
+    SkipLine,
 };
 
 struct Label {

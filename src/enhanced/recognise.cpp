@@ -60,8 +60,8 @@ bool startsWithWord(const QString& lower, const QString& word)
 bool isParticle(const QString& lower)
 {
     static const QSet<QString> particles{
-        u"von"_s, u"van"_s, u"de"_s, u"der"_s, u"den"_s, u"del"_s, u"della"_s, u"di"_s,
-        u"da"_s,  u"du"_s,  u"le"_s, u"la"_s,  u"zu"_s,  u"zur"_s, u"vom"_s,   u"ten"_s,
+        u"von"_s, u"van"_s, u"de"_s, u"der"_s, u"den"_s, u"del"_s, u"della"_s,  u"di"_s,
+        u"da"_s,  u"du"_s,  u"le"_s, u"la"_s,  u"zu"_s,  u"zur"_s, u"vom"_s,    u"ten"_s,
         u"ter"_s, u"bin"_s, u"al"_s, u"el"_s,  u"dos"_s, u"das"_s, u"van der"_s};
     return particles.contains(lower);
 }
@@ -111,8 +111,8 @@ QString joined(const QList<QStringView>& words, qsizetype from, qsizetype to)
 std::optional<Label> combinedPhoneLabel(const QString& lowerLabel)
 {
     const Knowledge& k = knowledge();
-    const QStringList parts = QString(lowerLabel).replace(u'/', u' ').split(
-        u' ', Qt::SkipEmptyParts);
+    const QStringList parts =
+        QString(lowerLabel).replace(u'/', u' ').split(u' ', Qt::SkipEmptyParts);
     if (parts.size() < 2 || parts.size() > 4)
         return std::nullopt;
     Label out{LabelKind::Phone, {}};
@@ -128,8 +128,8 @@ std::optional<Label> combinedPhoneLabel(const QString& lowerLabel)
             out.kind = l->kind;
             continue;
         }
-        if (!l->qualifier.isEmpty() && (out.qualifier.isEmpty() || l->qualifier == u"fax"_s ||
-                                        l->qualifier == u"mobile"_s))
+        if (!l->qualifier.isEmpty() &&
+            (out.qualifier.isEmpty() || l->qualifier == u"fax"_s || l->qualifier == u"mobile"_s))
             out.qualifier = l->qualifier;
     }
     return out;
@@ -361,11 +361,10 @@ std::optional<PhoneNumber> ParsePhone(QStringView value, bool strict)
         if (isDigit(value[i]))
             return true;
         // An OCR slip counts when a real digit or another slip stands beside it.
-        return isDigitLike(value[i]) &&
-               ((i > 0 && isDigit(value[i - 1])) ||
-                (i + 1 < value.size() && isDigit(value[i + 1])) ||
-                (i > 0 && isDigitLike(value[i - 1]) && i + 1 < value.size() &&
-                 isDigit(value[i + 1])));
+        return isDigitLike(value[i]) && ((i > 0 && isDigit(value[i - 1])) ||
+                                         (i + 1 < value.size() && isDigit(value[i + 1])) ||
+                                         (i > 0 && isDigitLike(value[i - 1]) &&
+                                          i + 1 < value.size() && isDigit(value[i + 1])));
     };
     const QChar first = value[0];
     if (!(first == u'+' || first == u'(' || digitAt(0)))
@@ -500,8 +499,8 @@ QString FindWebHost(QStringView text, bool bare)
             marked = true;
         if (!marked && !bare)
             continue;
-        while (!host.isEmpty() && (host.front() == u'(' || host.front() == u'<' ||
-                                   host.front() == u'['))
+        while (!host.isEmpty() &&
+               (host.front() == u'(' || host.front() == u'<' || host.front() == u'['))
             host = host.mid(1);
         qsizetype end = 0;
         while (end < host.size() &&
@@ -574,8 +573,8 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
             for (qsizetype j = i + 1; outOk && j < out.size(); ++j)
                 outOk = isDigit(out[j]) || upperLetter(out[j]);
         }
-        const bool inOk = in.size() == 3 && isDigit(in[0]) && upperLetter(in[1]) &&
-                          upperLetter(in[2]);
+        const bool inOk =
+            in.size() == 3 && isDigit(in[0]) && upperLetter(in[1]) && upperLetter(in[2]);
         if (outOk && inOk) {
             Place p;
             p.plz = out.toString() + u' ' + in.toString();
@@ -623,6 +622,11 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
     QString city = t.mid(firstCity.data() - t.constData()).trimmed();
     if (CountDigitsIn(city) > 0)
         return std::nullopt;
+    // "1200 Market Street" is a street with its number in front.
+    const QList<QStringView> cityWords = Words(city);
+    for (qsizetype i = 1; i < cityWords.size(); ++i) // "St. Gallen" is a saint's town
+        if (k.streetWords.words.contains(Bare(cityWords[i])))
+            return std::nullopt;
     // "Berlin, Germany"
     if (const qsizetype comma = city.lastIndexOf(u", "_s); comma > 0) {
         const QString country = CountryName(QStringView(city).mid(comma + 2));
@@ -749,9 +753,9 @@ int StreetStrength(QStringView text, QString* value)
 
 bool IsPoBox(QStringView text)
 {
-    static const QStringList heads{u"postfach"_s,    u"postf."_s,     u"pf"_s,
-                                   u"p.o. box"_s,    u"po box"_s,     u"p. o. box"_s,
-                                   u"p.o.box"_s,     u"postbus"_s,    u"case postale"_s,
+    static const QStringList heads{u"postfach"_s,        u"postf."_s,        u"pf"_s,
+                                   u"p.o. box"_s,        u"po box"_s,        u"p. o. box"_s,
+                                   u"p.o.box"_s,         u"postbus"_s,       u"case postale"_s,
                                    u"casella postale"_s, u"boîte postale"_s, u"bp"_s};
     const QString lower = text.toString().toLower();
     for (const QString& h : heads) {
@@ -771,10 +775,10 @@ bool IsPoBox(QStringView text)
 bool IsAddressExtra(QStringView text)
 {
     static const QSet<QString> words{
-        u"gebäude"_s, u"haus"_s,   u"campus"_s,  u"eingang"_s,    u"hintereingang"_s,
-        u"etage"_s,   u"stock"_s,  u"og"_s,      u"hinterhaus"_s, u"vorderhaus"_s,
-        u"aufgang"_s, u"building"_s, u"floor"_s, u"suite"_s,      u"unit"_s,
-        u"apt."_s,    u"wing"_s,   u"bau"_s,     u"trakt"_s,      u"halle"_s};
+        u"gebäude"_s, u"haus"_s,     u"campus"_s, u"eingang"_s,    u"hintereingang"_s,
+        u"etage"_s,   u"stock"_s,    u"og"_s,     u"hinterhaus"_s, u"vorderhaus"_s,
+        u"aufgang"_s, u"building"_s, u"floor"_s,  u"suite"_s,      u"unit"_s,
+        u"apt."_s,    u"wing"_s,     u"bau"_s,    u"trakt"_s,      u"halle"_s};
     const QString lower = text.toString().toLower();
     if (lower.startsWith(u"c/o"_s))
         return true;
