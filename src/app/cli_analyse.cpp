@@ -139,8 +139,8 @@ QString analyseInput(const AnalyseOptions& o, AnalyseRun& run)
 
     const AnalysisMode mode = o.enhanced ? AnalysisMode::Enhanced : ModeOf(session.state);
     if (o.raw) {
-        run.result = AnalyseTextIn(mode, text, session, seams);
-    } else if (auto fetched = FetchClipboardTextIn(mode, text, session, seams)) {
+        run.result = AnalyseTextIn(mode, text, session, seams, o.trace);
+    } else if (auto fetched = FetchClipboardTextIn(mode, text, session, seams, false, o.trace)) {
         run.result = std::move(*fetched);
     }
     return {};

@@ -699,7 +699,9 @@ bool Analysis::classifyOne(Line& l)
         l.strength = 3;
         return is(Kind::Company, u"Rechtsform"_s);
     }
-    if (const auto p = ParsePerson(t, true)) {
+    const auto person = ParsePerson(t, false);
+    if (person && person->marked) {
+        const auto p = person;
         l.person = *p;
         l.nameShaped = true;
         l.personSource = PersonSource::Marked;
@@ -735,7 +737,6 @@ bool Analysis::classifyOne(Line& l)
     if (IsDepartmentLine(t))
         return is(Kind::Department, u"Wort einer Organisationseinheit"_s);
     // A person whose name also reads like a firm ("Sabine Neuhaus") stays a person.
-    const auto person = ParsePerson(t, false);
     if (IsJobLine(t) && !(person && person->knownGiven && !IsJobLine(person->nachname)))
         return is(Kind::Job, u"Berufs- oder Funktionsbezeichnung"_s);
     if (IsCompanyWordLine(t) && !(person && person->knownGiven)) {
@@ -1460,7 +1461,8 @@ QJsonArray Analysis::notes() const
 } // namespace
 } // namespace enhanced
 
-AnalysisResult AnalyseTextEnhanced(const QString& input, Session& session, const Seams& seams)
+AnalysisResult AnalyseTextEnhanced(const QString& input, Session& session, const Seams& seams,
+                                   bool explain)
 {
     AnalysisResult result;
     try {
@@ -1497,7 +1499,8 @@ AnalysisResult AnalyseTextEnhanced(const QString& input, Session& session, const
         analysis.context();
         analysis.assemble();
         analysis.fillRows(session.rows);
-        result.notes = analysis.notes();
+        if (explain)
+            result.notes = analysis.notes();
     } catch (const AnalysisFailure&) {
         result.completed = false;
     } catch (const std::bad_alloc&) {
@@ -1507,7 +1510,8 @@ AnalysisResult AnalyseTextEnhanced(const QString& input, Session& session, const
 }
 
 std::optional<AnalysisResult> FetchClipboardTextEnhanced(const QString& clipboard, Session& session,
-                                                         const Seams& seams, bool silent)
+                                                         const Seams& seams, bool silent,
+                                                         bool explain)
 {
     session.clipText.clear();
     session.state.ClipboardText = clipboard;
@@ -1517,22 +1521,22 @@ std::optional<AnalysisResult> FetchClipboardTextEnhanced(const QString& clipboar
             seams.showMessage(msg::ClipboardEmpty, StyleInformation);
         return std::nullopt;
     }
-    return AnalyseTextEnhanced(prepared, session, seams);
+    return AnalyseTextEnhanced(prepared, session, seams, explain);
 }
 
 AnalysisResult AnalyseTextIn(AnalysisMode mode, const QString& text, Session& session,
-                             const Seams& seams)
+                             const Seams& seams, bool explain)
 {
-    return mode == AnalysisMode::Enhanced ? AnalyseTextEnhanced(text, session, seams)
+    return mode == AnalysisMode::Enhanced ? AnalyseTextEnhanced(text, session, seams, explain)
                                           : AnalyseText(text, session, seams);
 }
 
 std::optional<AnalysisResult> FetchClipboardTextIn(AnalysisMode mode, const QString& clipboard,
                                                    Session& session, const Seams& seams,
-                                                   bool silent)
+                                                   bool silent, bool explain)
 {
     return mode == AnalysisMode::Enhanced
-               ? FetchClipboardTextEnhanced(clipboard, session, seams, silent)
+               ? FetchClipboardTextEnhanced(clipboard, session, seams, silent, explain)
                : FetchClipboardText(clipboard, session, seams, silent);
 }
 

@@ -16,20 +16,22 @@ namespace zf {
 enum class AnalysisMode { Classic, Enhanced };
 
 // Same contract as AnalyseText: the rows, clipText (identical to the classic run's, the
-// lines cut the same way), ExtraFieldValues and the messages; result.notes explains every
-// line. result.lines stays empty.
-AnalysisResult AnalyseTextEnhanced(const QString& text, Session& session, const Seams& seams);
+// lines cut the same way), ExtraFieldValues and the messages. With explain, result.notes
+// says for every line what it was taken for and why. result.lines stays empty.
+AnalysisResult AnalyseTextEnhanced(const QString& text, Session& session, const Seams& seams,
+                                   bool explain = false);
 
 // Same contract as FetchClipboardText.
 std::optional<AnalysisResult> FetchClipboardTextEnhanced(const QString& clipboard, Session& session,
-                                                         const Seams& seams, bool silent = false);
+                                                         const Seams& seams, bool silent = false,
+                                                         bool explain = false);
 
 // The one switch for callers that offer both modes (the window, the command line).
 AnalysisResult AnalyseTextIn(AnalysisMode mode, const QString& text, Session& session,
-                             const Seams& seams);
+                             const Seams& seams, bool explain = false);
 std::optional<AnalysisResult> FetchClipboardTextIn(AnalysisMode mode, const QString& clipboard,
                                                    Session& session, const Seams& seams,
-                                                   bool silent = false);
+                                                   bool silent = false, bool explain = false);
 
 // The mode the settings ask for.
 inline AnalysisMode ModeOf(const SharedState& state)

@@ -106,7 +106,7 @@ Knowledge load()
         const QString kind = e.left(colon);
         const QString text = e.mid(colon + 1);
         if (kind == u"close"_s)
-            k.closings.append(text);
+            k.closings.insert(text);
         else if (kind == u"stem"_s)
             k.closingStems.append(text);
         else if (kind == u"open"_s)

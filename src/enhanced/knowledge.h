@@ -78,7 +78,7 @@ struct Knowledge {
     QSet<QString> streetLeadWords; // words that open a street name ("rue", "via")
     QSet<QString> noiseWords;
     QStringList noisePhrases;
-    QStringList closings; // whole closing lines, lower-case
+    QSet<QString> closings; // whole closing lines, lower-case
     QStringList closingStems;
     QStringList openings;
     QStringList signWords; // in front of a signer's name

@@ -204,11 +204,11 @@ int CountDigitsIn(QStringView text)
 bool IsClosing(QStringView text)
 {
     const Knowledge& k = knowledge();
+    if (text.count(u' ') > 6)
+        return false;
     const QString lower = stripTrailing(text, u" ,.!").toLower();
     if (k.closings.contains(lower))
         return true;
-    if (Words(lower).size() > 6)
-        return false;
     for (const QString& stem : k.closingStems)
         if (lower.contains(stem))
             return true;
@@ -218,6 +218,8 @@ bool IsClosing(QStringView text)
 bool IsOpening(QStringView text)
 {
     const Knowledge& k = knowledge();
+    if (text.isEmpty() || !text[0].isLetter())
+        return false;
     const QString lower = text.toString().toLower();
     for (const QString& o : k.openings)
         if (startsWithWord(lower, o))
@@ -233,6 +235,8 @@ bool IsThreadCut(QStringView text)
                 return true;
         return text.size() >= 10 && text.startsWith(u"_____"_s);
     }
+    if (!text.endsWith(u':') && !text.contains(u'@'))
+        return false;
     const QString lower = text.toString().toLower();
     if ((lower.startsWith(u"von:"_s) || lower.startsWith(u"from:"_s)) && lower.contains(u'@'))
         return true;
@@ -320,6 +324,8 @@ std::optional<LabelHit> ParseLabel(QStringView text)
     }
     // Phone, mail and web labels also stand without a colon: "Tel. 0711 1234", "Fax 0711".
     const QList<QStringView> words = Words(text);
+    if (words.size() < 2 || !k.label(words[0].toString().toLower()))
+        return std::nullopt;
     for (qsizetype n = std::min<qsizetype>(3, words.size() - 1); n >= 1; --n) {
         const QString lower = joined(words, 0, n).toLower();
         std::optional<Label> label;

@@ -398,7 +398,7 @@ void TestEnhanced::traceExplainsEveryLine()
 {
     FreshSession s;
     const auto r = FetchClipboardTextEnhanced(
-        QStringLiteral("Mit freundlichen Grüßen\nAnna Roth\nRoth GmbH\n"), s, Seams{});
+        QStringLiteral("Mit freundlichen Grüßen\nAnna Roth\nRoth GmbH\n"), s, Seams{}, false, true);
     QVERIFY(r.has_value());
     QCOMPARE(r->notes.size(), 3);
     const QJsonObject name = r->notes[1].toObject();
