@@ -1468,10 +1468,16 @@ AnalysisResult AnalyseTextEnhanced(const QString& input, Session& session, const
     try {
         session.rows.clearRows();
         // Old Mac line ends (a CR alone) are line breaks too.
-        QString text = input;
-        for (qsizetype i = text.indexOf(u'\r'); i >= 0; i = text.indexOf(u'\r', i + 1))
-            if (i + 1 >= text.size() || text[i + 1] != u'\n')
-                text.insert(++i, u'\n');
+        QString text;
+        if (!input.contains(u'\r'))
+            text = input;
+        else
+            text.reserve(input.size() + 64);
+        for (qsizetype i = text.isEmpty() ? 0 : input.size(); i < input.size(); ++i) {
+            text.append(input[i]);
+            if (input[i] == u'\r' && (i + 1 >= input.size() || input[i + 1] != u'\n'))
+                text.append(u'\n');
+        }
         // A text without any line separator is one line: there is nothing to choose.
         static const QString lineBreak = u"\r\n"_s;
         const bool oneLine = session.state.ChosenSeparator.isEmpty() && !text.contains(u'\n') &&
