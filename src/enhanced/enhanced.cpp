@@ -852,20 +852,22 @@ void Analysis::context()
                 recipientBlocks.append(blockStart);
             blockStart = i + 1;
         }
+        const auto isAddress = [this](int i) {
+            return !m_lines[i].skipped &&
+                   (m_lines[i].kind == Kind::PostcodeCity ||
+                    (m_lines[i].kind == Kind::Street && m_lines[i].strength >= 2));
+        };
+        int addresses = 0;
+        for (int i = m_from; i < m_to; ++i)
+            addresses += isAddress(i);
         for (int start : recipientBlocks) {
             int end = start;
-            while (end < m_to && m_lines[end].kind != Kind::Blank)
-                ++end;
-            if (!hasContactData(m_from, start) && !hasContactData(end, m_to))
-                continue;
-            bool addressElsewhere = false;
-            for (int i = m_from; i < m_to; ++i)
-                if ((i < start || i >= end) && !m_lines[i].skipped &&
-                    (m_lines[i].kind == Kind::PostcodeCity ||
-                     (m_lines[i].kind == Kind::Street && m_lines[i].strength >= 2)))
-                    addressElsewhere = true;
-            if (!addressElsewhere)
-                continue;
+            int own = 0;
+            for (; end < m_to && m_lines[end].kind != Kind::Blank; ++end)
+                own += isAddress(end);
+            if (addresses - own <= 0)
+                continue; // no sender's address: the recipient is the contact
+            addresses -= own;
             for (int i = start; i < end; ++i) {
                 m_lines[i].skipped = true;
                 m_lines[i].skipWhy = u"Empfänger eines Briefs"_s;
@@ -974,7 +976,8 @@ void Analysis::context()
     QStringList mailLocals;
     for (int i = m_from; i < m_to; ++i)
         if (!m_lines[i].skipped && m_lines[i].kind == Kind::Email)
-            mailLocals.append(m_lines[i].value.section(u'@', 0, 0).toLower());
+            if (mailLocals.size() < 8)
+                mailLocals.append(m_lines[i].value.section(u'@', 0, 0).toLower());
     const auto fold = [](const QString& s) {
         QString out;
         for (QChar c : s.toLower()) {
@@ -1285,7 +1288,7 @@ void Analysis::assemble()
                    IsMobileNumber(l.value, land.isEmpty() ? m_state.StandardLand5PLZ : land)) {
             mobileGuesses.append(i);
         } else {
-            bool dup = false;
+            bool dup = voice.size() >= 8; // three are filed; more only cost time
             for (const Number& v : voice)
                 dup = dup || m_lines[v.line].value == l.value;
             if (!dup)
@@ -1297,7 +1300,8 @@ void Analysis::assemble()
         m_lines[mobile].why += u"; Mobilfunkvorwahl"_s;
     }
     for (int g : mobileGuesses)
-        voice.append({g, PhoneRole::Plain});
+        if (voice.size() < 8)
+            voice.append({g, PhoneRole::Plain});
     int plain = 0;
     for (const Number& v : voice)
         plain += v.role == PhoneRole::Plain;
