@@ -3,6 +3,7 @@
 #include "act/contactlink.h"
 #include "settings/settings.h"
 #include "ui/formmain.h"
+#include "version.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -25,7 +26,7 @@ Arguments parseArguments(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(u"zettelfischer"_s);
-    QCoreApplication::setApplicationVersion(u"1.18"_s);
+    QCoreApplication::setApplicationVersion(QString::fromUtf16(zf::Version));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -52,7 +53,7 @@ Arguments parseArguments(int argc, char** argv)
         std::fputs(qPrintable(parser.helpText()), stdout);
         result.exitCode = 0;
     } else if (parser.isSet(version)) {
-        std::printf("Zettelfischer 1.18\n");
+        std::printf("Zettelfischer %s\n", qPrintable(QString::fromUtf16(zf::Version)));
         result.exitCode = 0;
     } else if (qEnvironmentVariableIsEmpty("DISPLAY") &&
                qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
@@ -75,7 +76,7 @@ int main(int argc, char** argv)
 
     QApplication app(argc, argv);
     QApplication::setApplicationName(u"Zettelfischer"_s);
-    QApplication::setApplicationVersion(u"1.18"_s);
+    QApplication::setApplicationVersion(QString::fromUtf16(zf::Version));
     QApplication::setWindowIcon(QIcon(u":/icons/app.svg"_s));
 
     const QString book = zf::act::contactBookPath(args.contactsFile);

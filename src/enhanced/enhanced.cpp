@@ -2,6 +2,7 @@
 
 #include "analysis/failure.h"
 #include "analysis/fields.h"
+#include "analysis/messages.h"
 #include "analysis/textutil.h"
 #include "recognise.h"
 
@@ -1528,7 +1529,7 @@ std::optional<AnalysisResult> FetchClipboardTextEnhanced(const QString& clipboar
     const QString prepared = PrepareClipboardText(clipboard);
     if (Trim(prepared).isEmpty()) {
         if (!silent && seams.showMessage)
-            seams.showMessage(msg::ClipboardEmpty, StyleInformation);
+            seams.showMessage(msg::ClipboardEmpty, MessageStyle::Information);
         return std::nullopt;
     }
     return AnalyseTextEnhanced(prepared, session, seams, explain);

@@ -1,5 +1,6 @@
 #include "forminfo.h"
 
+#include "version.h"
 #include "windowhelpers.h"
 
 #include <QCoreApplication>
@@ -95,8 +96,10 @@ formInfo::formInfo(QWidget* parent) : QDialog(parent, Qt::Dialog | Qt::Frameless
     setFixedSize(370, 200);
     setFont(ClassicFont(8.25));
 
-    Label1 = plainLabel(this, u"Label1"_s, u"Zettelfischer v.1.18 · © 2024 Zettelfischer-Projekt"_s,
-                        {8, 64, 337, 33});
+    Label1 = plainLabel(
+        this, u"Label1"_s,
+        u"Zettelfischer v.%1 · © 2024 Zettelfischer-Projekt"_s.arg(QString::fromUtf16(Version)),
+        {8, 64, 337, 33});
     Label2 =
         plainLabel(this, u"Label2"_s, u"Macht aus kopierten Adressen Kontakte. Gebaut mit Qt."_s,
                    {8, 88, 337, 33});
