@@ -7,11 +7,13 @@
 //   '4' text        default country for 4-digit postcodes ('5' for 5-digit ones)
 //   'D' id text    a labelled definition: the field id in digits, a blank, the label
 //   'F' id text    a field of the field list; the first one replaces the built-in list
+//   'E'            the enhanced analysis instead of the classic one
 // A record whose id is not a 16-bit number is left out.
 // Mode bits: 1 analyse directly (else the clipboard fetch), 2 the separator chooser answers
 // ",", 4 the fetch is the silent one of the start-up.
 
 #include "analysis/analyser.h"
+#include "enhanced/enhanced.h"
 
 #include "require.h"
 
@@ -42,6 +44,7 @@ std::optional<std::pair<qint16, QString>> idAndText(const QByteArray& record)
 
 void applySettings(const QList<QByteArray>& records, Session& session)
 {
+    // The enhanced analysis is chosen through the settings, as the window chooses it.
     bool ownFieldList = false;
     for (const QByteArray& r : records) {
         if (r.isEmpty())
@@ -62,6 +65,9 @@ void applySettings(const QList<QByteArray>& records, Session& session)
                 session.state.ExtraDefinitions.append({def->first, def->second});
                 session.state.ExtraDefinitionsLoaded = true;
             }
+            break;
+        case 'E':
+            session.state.ErweiterteAnalyse = true;
             break;
         case 'F':
             if (const auto field = idAndText(r)) {
@@ -118,9 +124,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     };
     seams.chooseSeparator = [mode] { return (mode & 2) ? u","_s : QString(); };
 
-    const bool analysed = (mode & 1)
-                              ? (AnalyseText(text, session, seams), true)
-                              : FetchClipboardText(text, session, seams, mode & 4).has_value();
+    const AnalysisMode analysis = ModeOf(session.state);
+    const bool analysed =
+        (mode & 1) ? (AnalyseTextIn(analysis, text, session, seams), true)
+                   : FetchClipboardTextIn(analysis, text, session, seams, mode & 4).has_value();
 
     require(messages <= 1);
     for (int row = 0; row < FieldRows::RowCount; ++row)
@@ -133,11 +140,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
                             session.state.ExtraDefinitions.cend(),
                             [&found](const clsZusatzDefs& d) { return d.ID == found.ID; }));
 
+    // The enhanced analysis fills a field only with a value.
+    if (analysis == AnalysisMode::Enhanced)
+        for (int row = 0; row < FieldRows::RowCount; ++row)
+            require(session.rows.selected(row) < 0 || !session.rows.value(row).isEmpty());
+
     // The same text analysed again gives the same result: nothing of a run outlives it.
     if (analysed) {
         const Outcome first = outcome(session);
         session.clipText.clear();
-        AnalyseText((mode & 1) ? text : PrepareClipboardText(text), session, seams);
+        AnalyseTextIn(analysis, (mode & 1) ? text : PrepareClipboardText(text), session, seams);
         require(outcome(session) == first);
     }
     return 0;

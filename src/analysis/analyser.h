@@ -5,6 +5,7 @@
 #include "session.h"
 #include "zeile.h"
 
+#include <QJsonArray>
 #include <QString>
 
 #include <optional>
@@ -18,6 +19,7 @@ struct AnalysisResult {
     LineList lines;
     LineStore store;
     qsizetype unreachedFrom = 0;
+    QJsonArray notes; // enhanced analysis: what each line was taken for, and why
 };
 
 // What a caller needs of a run beyond the rows and the extra values.

@@ -18,6 +18,7 @@ struct SharedState {
     QList<clsZusatzDefs> ExtraDefinitions;
     bool ExtraDefinitionsLoaded = false;
     QList<clsZusatzDefs> ExtraFieldValues;
+    bool ErweiterteAnalyse = false; // [Config] ErweiterteAnalyse=1: the enhanced analysis
 };
 
 // What the main window shows and the analysis writes: the field rows and the clipboard box.

@@ -20,6 +20,7 @@ int usageError(const QString& message);
 struct AnalyseOptions {
     bool raw = false;
     bool trace = false;
+    bool enhanced = false; // --enhanced (else as the settings say)
     QString separator;
     QString iniFile;
     QString inputFile;

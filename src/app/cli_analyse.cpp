@@ -3,6 +3,7 @@
 #include "cli.h"
 
 #include "analysis/analyser.h"
+#include "enhanced/enhanced.h"
 #include "jsonstream.h"
 #include "settings/settings.h"
 
@@ -49,6 +50,8 @@ QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& o)
             o.raw = true;
         } else if (arg == u"--trace"_s && !hasInlineValue) {
             o.trace = true;
+        } else if (arg == u"--enhanced"_s && !hasInlineValue) {
+            o.enhanced = true;
         } else if (arg == u"--separator"_s) {
             if (!takeValue(o.separator))
                 return u"--separator needs a value"_s;
@@ -231,9 +234,14 @@ QString analyseInput(const AnalyseOptions& o, AnalyseRun& run)
     seams.showMessage = recordMessages(run.messages);
     seams.chooseSeparator = [] { return QString(); }; // as if closed without a choice
 
+    const AnalysisMode mode = o.enhanced ? AnalysisMode::Enhanced : ModeOf(session.state);
+    // The enhanced analysis writes the box itself; only the classic one can leave it to the store.
+    if (mode == AnalysisMode::Enhanced)
+        run.options.fillClipText = true;
     if (o.raw) {
-        run.result = AnalyseText(text, session, seams, run.options);
-    } else if (auto fetched = FetchClipboardText(text, session, seams, false, run.options)) {
+        run.result = AnalyseTextIn(mode, text, session, seams, o.trace, run.options);
+    } else if (auto fetched =
+                   FetchClipboardTextIn(mode, text, session, seams, false, o.trace, run.options)) {
         run.result = std::move(*fetched);
     }
     return {};
@@ -252,6 +260,8 @@ QJsonObject analysisToJson(const AnalyseRun& run, bool withTrace)
     QJsonObject out = toJson(run.session, run.messages, run.result.completed);
     if (withTrace)
         out.insert(u"lines"_s, linesToJson(run.result));
+    if (withTrace && !run.result.notes.isEmpty())
+        out.insert(u"recognised"_s, run.result.notes);
     return out;
 }
 
@@ -320,6 +330,11 @@ void writeAnalysisJson(const AnalyseRun& run, bool withTrace, std::FILE* out)
         json.endObject();
     }
     json.endArray();
+
+    if (withTrace && !run.result.notes.isEmpty()) {
+        json.key(u"recognised");
+        json.document(run.result.notes);
+    }
 
     json.key(u"rows");
     json.beginArray();

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const char* const HelpText =
-    R"(Usage: zettelfischer-cli analyse [--raw] [--separator TEXT] [--ini FILE] [--file FILE] [--trace]
+    R"(Usage: zettelfischer-cli analyse [--raw] [--enhanced] [--separator TEXT] [--ini FILE] [--file FILE] [--trace]
 
 Analyses address text (FILE, else standard input: UTF-16 when it starts with a UTF-16
 byte-order mark, else UTF-8; at most 64 MB) and prints the sixteen
@@ -26,6 +26,8 @@ field rows as one JSON object: rows, clipText, extraFieldValues, messages, compl
                     in ~/.config/zettelfischer/, else in /etc/xdg/zettelfischer/)
   --file FILE       read the text from FILE instead of standard input
   --trace           also print the line list with all twenty scores per line
+  --enhanced        the enhanced analysis (also [Config] ErweiterteAnalyse=1); with
+                    --trace it adds "recognised": what each line was taken for, and why
   -h, --help        show this help
 
 Usage: zettelfischer-cli contacts [--contacts FILE] COMMAND

@@ -6,6 +6,10 @@
 // order QJsonObject keeps them: sorted.
 
 #include <QByteArray>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QLocale>
 #include <QStringView>
 
 #include <cstdio>
@@ -40,6 +44,43 @@ public:
     void value(qint64 n) { item(QByteArray::number(n)); }
     void value(bool b) { item(b ? "true" : "false"); }
     void null() { item("null"); }
+    // A small value built in memory, laid out as its document would be.
+    void document(const QJsonValue& v)
+    {
+        switch (v.type()) {
+        case QJsonValue::Object: {
+            const QJsonObject object = v.toObject();
+            beginObject();
+            for (auto it = object.begin(); it != object.end(); ++it) {
+                key(it.key());
+                document(it.value());
+            }
+            endObject();
+            break;
+        }
+        case QJsonValue::Array:
+            beginArray();
+            for (const QJsonValue& element : v.toArray())
+                document(element);
+            endArray();
+            break;
+        case QJsonValue::String:
+            value(QStringView(v.toString()));
+            break;
+        case QJsonValue::Bool:
+            value(v.toBool());
+            break;
+        case QJsonValue::Double:
+            if (const double d = v.toDouble(); d == double(qint64(d)))
+                value(qint64(d));
+            else
+                item(QByteArray::number(d, 'g', QLocale::FloatingPointShortest));
+            break;
+        default:
+            null();
+            break;
+        }
+    }
 
     // A string written in parts; the parts must not split a surrogate pair.
     void beginString()

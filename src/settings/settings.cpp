@@ -186,6 +186,7 @@ void LoadSettings(const QString& iniPath, SharedState& state, FieldRows& rows)
 
     state.StandardLand4PLZ = ini.ReadData(SectionConfig, u"StandardLand4PLZ"_s, u"Österreich"_s);
     state.StandardLand5PLZ = ini.ReadData(SectionConfig, u"StandardLand5PLZ"_s, u"Deutschland"_s);
+    state.ErweiterteAnalyse = ini.ReadData(SectionConfig, u"ErweiterteAnalyse"_s, u"0"_s) == u"1"_s;
 }
 
 void SaveFieldCache(const QString& iniPath, const FieldRows& rows)

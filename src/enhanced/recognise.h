@@ -1,0 +1,98 @@
+#pragma once
+
+// Recognisers for single pieces of address text: each looks at one line or value on its
+// own and says what it is. The analysis (enhanced.cpp) puts them in context.
+
+#include "knowledge.h"
+
+#include <QString>
+#include <QStringList>
+#include <QStringView>
+
+#include <optional>
+
+namespace zf::enhanced {
+
+struct PersonName {
+    QString anrede;
+    QString titel;
+    QString vorname;
+    QString nachname;
+    bool addressee = false; // written as a letter's recipient ("Herrn")
+    bool marked = false;    // a salutation or degree stands in front
+    bool knownGiven = false;
+    QString kontakt() const;
+};
+
+struct Place {
+    QString plz;
+    QString ort;
+    QString land;   // named in the line (prefix or country name), German
+    QString system; // "5", "4", "uk", "us", "nl", or the prefix's country
+};
+
+enum class PhoneRole { Direct, Plain, Second, Main, Fax, Mobile };
+
+struct PhoneNumber {
+    QString value;
+    PhoneRole role = PhoneRole::Plain;
+};
+
+// Blank-separated words.
+QList<QStringView> Words(QStringView text);
+// Lower-cased, without trailing , ; : characters.
+QString Bare(QStringView word);
+bool IsAllCaps(QStringView text);
+int CountDigitsIn(QStringView text);
+
+bool IsClosing(QStringView text);
+bool IsOpening(QStringView text);
+bool IsThreadCut(QStringView text);
+bool IsNoise(QStringView text, QString* why);
+bool IsDate(QStringView text);
+
+// "Label: value" or a phone, mail or web label without colon. known = the label is in the
+// list; an unknown label still splits the line (its value is then not used).
+struct LabelHit {
+    bool known = false;
+    Label label;
+    QString name; // the label as written
+    QString rest;
+};
+std::optional<LabelHit> ParseLabel(QStringView text);
+
+// The phone number a value starts with (OCR slips O/l fixed), its qualifier in brackets
+// behind. strict: nothing but the number (and a bracketed note) may stand in the value.
+std::optional<PhoneNumber> ParsePhone(QStringView value, bool strict);
+// National mobile number? country = the contact's country, for numbers without a code.
+bool IsMobileNumber(const QString& number, const QString& country);
+// Country of a number written with its international code.
+QString CountryOfNumber(const QString& number);
+
+QString FindEMail(QStringView text);
+// The host of a web address: no scheme, path or trailing slash. bare: a lone domain counts.
+QString FindWebHost(QStringView text, bool bare);
+
+std::optional<Place> ParsePostcodeCity(QStringView text);
+// A postcode standing alone ("56751", "D-56751").
+std::optional<Place> ParsePostcodeOnly(QStringView text);
+// 0 none, 1 looks like a street ("Name 12"), 2 certainly a street (street word).
+int StreetStrength(QStringView text, QString* value);
+bool IsPoBox(QStringView text);
+bool IsAddressExtra(QStringView text);
+QString CountryName(QStringView text);
+
+bool HasLegalForm(QStringView text);
+bool IsCompanyWordLine(QStringView text);
+bool IsDepartmentLine(QStringView text);
+bool IsJobLine(QStringView text);
+bool IsKnownGivenName(QStringView word);
+
+// A person's name with what may stand in front (salutation, degrees, a job word, "Ihr").
+// needMarker: only when a salutation or degree stands in front.
+std::optional<PersonName> ParsePerson(QStringView text, bool needMarker);
+// A lone salutation ("Herr") or degree ("Dipl.-Kffr.") line.
+QString SalutationOnly(QStringView text);
+QString DegreeOnly(QStringView text);
+
+} // namespace zf::enhanced

@@ -1,0 +1,480 @@
+// The enhanced analysis on invented address texts: what a careful person would file, one
+// table per thing it has to know; and that it keeps the classic run's contract.
+
+#include "enhanced/enhanced.h"
+#include "settings/settings.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace zf;
+
+namespace {
+
+// The contact as the transfer files it: per field the last row's non-blank value,
+// "Field=value" sorted, joined with " | ".
+QString filed(const Session& s)
+{
+    QMap<QString, QString> byField;
+    for (int r = 0; r < FieldRows::RowCount; ++r) {
+        const int pos = s.rows.selected(r);
+        if (pos >= 0 && !s.rows.value(r).trimmed().isEmpty())
+            byField[s.rows.fields().nameAt(pos)] = s.rows.value(r);
+    }
+    QStringList out;
+    for (auto it = byField.cbegin(); it != byField.cend(); ++it)
+        out.append(it.key() + u'=' + it.value());
+    return out.join(QStringLiteral(" | "));
+}
+
+QString normalised(const QString& expected)
+{
+    QMap<QString, QString> byField;
+    for (const QString& part : expected.split(QStringLiteral(" | "), Qt::SkipEmptyParts))
+        byField[part.section(u'=', 0, 0)] = part.section(u'=', 1);
+    QStringList out;
+    for (auto it = byField.cbegin(); it != byField.cend(); ++it)
+        out.append(it.key() + u'=' + it.value());
+    return out.join(QStringLiteral(" | "));
+}
+
+struct FreshSession : Session {
+    FreshSession() { rows.FillDefaultFieldLists(); }
+};
+
+QString analyse(const QString& text)
+{
+    FreshSession s;
+    FetchClipboardTextEnhanced(text, s, Seams{});
+    return filed(s);
+}
+
+void addCase(const char* name, const char* text, const char* expected)
+{
+    QTest::newRow(name) << QString::fromUtf8(text) << QString::fromUtf8(expected);
+}
+
+} // namespace
+
+class TestEnhanced : public QObject {
+    Q_OBJECT
+
+private slots:
+    void names_data();
+    void names() { check(); }
+    void companies_data();
+    void companies() { check(); }
+    void streets_data();
+    void streets() { check(); }
+    void postcodes_data();
+    void postcodes() { check(); }
+    void phones_data();
+    void phones() { check(); }
+    void imprints_data();
+    void imprints() { check(); }
+    void threads_data();
+    void threads() { check(); }
+    void forms_data();
+    void forms() { check(); }
+
+    void keepsTheClassicContract_data();
+    void keepsTheClassicContract();
+    void extraDefinitionsAsInClassic();
+    void unplacedLineHasNoField();
+    void traceExplainsEveryLine();
+    void modeSwitch();
+    void settingsSwitchItOn_data();
+    void settingsSwitchItOn();
+    void oddInputEnds_data();
+    void oddInputEnds();
+
+private:
+    void check()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, expected);
+        QCOMPARE(analyse(text), normalised(expected));
+    }
+};
+
+static void columns()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected");
+}
+
+void TestEnhanced::names_data()
+{
+    columns();
+    addCase("closing, name, job",
+            "Mit freundlichen Grüßen\n\nKatrin Vogelsang\nProjektleiterin\n\nVogelsang Elektro "
+            "GmbH\nAmselweg 4\n88212 Ravensburg\nk.vogelsang@vogelsang-elektro.example.de\n",
+            "Firma=Vogelsang Elektro GmbH | Vorname=Katrin | Nachname=Vogelsang | "
+            "Kontakt=Katrin Vogelsang | Adresse=Amselweg 4 | PLZ=88212 | Ort=Ravensburg | "
+            "Land=Deutschland | eMail=k.vogelsang@vogelsang-elektro.example.de");
+    addCase("salutation, two degrees, particle",
+            "Frau Prof. Dr. Helga von Bredow\nLehrstuhl für Baustatik\nTechnische Universität "
+            "Nordheim\nBrückenstraße 3\n01099 Dresden\n",
+            "Anrede=Frau | Titel=Prof. Dr. | Vorname=Helga | Nachname=von Bredow | "
+            "Kontakt=Helga von Bredow | Abteilung=Lehrstuhl für Baustatik | "
+            "Firma=Technische Universität Nordheim | Adresse=Brückenstraße 3 | PLZ=01099 | "
+            "Ort=Dresden | Land=Deutschland");
+    addCase("all capitals",
+            "HERR DR. MARTIN KESSLER\nKESSLER DRUCK GMBH\nDRUCKERWEG 2\n34117 KASSEL\n",
+            "Anrede=Herr | Titel=DR. | Vorname=MARTIN | Nachname=KESSLER | "
+            "Kontakt=MARTIN KESSLER | Firma=KESSLER DRUCK GMBH | Adresse=DRUCKERWEG 2 | "
+            "PLZ=34117 | Ort=KASSEL | Land=Deutschland");
+    addCase("middle initial, English closing",
+            "Kind regards,\nMichael J. Fenwick\nSales Director\nFenwick Tools Ltd\n22 Mill Road\n"
+            "Cambridge CB1 2AB\nUnited Kingdom\n",
+            "Vorname=Michael | Nachname=Fenwick | Kontakt=Michael Fenwick | "
+            "Firma=Fenwick Tools Ltd | Adresse=22 Mill Road | PLZ=CB1 2AB | Ort=Cambridge | "
+            "Land=Großbritannien");
+    addCase("job word and degree in front",
+            "Steuerberater Dipl.-Kfm. Otto Wendland\nWendland Steuerberatung\nKanzleiweg 5\n"
+            "49074 Osnabrück\n",
+            "Titel=Dipl.-Kfm. | Vorname=Otto | Nachname=Wendland | Kontakt=Otto Wendland | "
+            "Firma=Wendland Steuerberatung | Adresse=Kanzleiweg 5 | PLZ=49074 | "
+            "Ort=Osnabrück | Land=Deutschland");
+    addCase("team greeting is nobody",
+            "Viele Grüße\nIhr Serviceteam\n\nKlimatechnik Sonnleitner GmbH\nLüftungsweg 1\n"
+            "93053 Regensburg\n",
+            "Firma=Klimatechnik Sonnleitner GmbH | Adresse=Lüftungsweg 1 | PLZ=93053 | "
+            "Ort=Regensburg | Land=Deutschland");
+}
+
+void TestEnhanced::companies_data()
+{
+    columns();
+    addCase("greeting and slogan are no firm",
+            "Beste Grüße aus Kiel\nIhr Partner für Qualität\nStiftung Lesewelt\nBuchweg 3\n"
+            "24103 Kiel\n",
+            "Firma=Stiftung Lesewelt | Adresse=Buchweg 3 | PLZ=24103 | Ort=Kiel | "
+            "Land=Deutschland");
+    addCase("partnership with ampersand", "Brandt & Oellers\nTurmstraße 8\n52062 Aachen\n",
+            "Firma=Brandt & Oellers | Adresse=Turmstraße 8 | PLZ=52062 | Ort=Aachen | "
+            "Land=Deutschland");
+    addCase("firm name over two lines", "ZAUNKÖNIG\nMETALLBAU GMBH\nSchmiedeweg 3\n99423 Weimar\n",
+            "Firma=ZAUNKÖNIG METALLBAU GMBH | Adresse=Schmiedeweg 3 | PLZ=99423 | Ort=Weimar | "
+            "Land=Deutschland");
+    addCase("job title is no address",
+            "Jana Hollmann\nLeiterin Vertrieb\nHollmann Textil KG\nWebergasse 2\n48431 Rheine\n",
+            "Vorname=Jana | Nachname=Hollmann | Kontakt=Jana Hollmann | "
+            "Firma=Hollmann Textil KG | Adresse=Webergasse 2 | PLZ=48431 | Ort=Rheine | "
+            "Land=Deutschland");
+    addCase("firm without form above the address",
+            "Nordlicht Kommunikation\nHafenkante 12\n18055 Rostock\n",
+            "Firma=Nordlicht Kommunikation | Adresse=Hafenkante 12 | PLZ=18055 | Ort=Rostock | "
+            "Land=Deutschland");
+    addCase("foreign legal form",
+            "Van Houten Bloemen B.V.\nBloemgracht 14\n1016 KJ Amsterdam\nNiederlande\n",
+            "Firma=Van Houten Bloemen B.V. | Adresse=Bloemgracht 14 | PLZ=1016 KJ | "
+            "Ort=Amsterdam | Land=Niederlande");
+}
+
+void TestEnhanced::streets_data()
+{
+    columns();
+    addCase("street without street word before its postcode",
+            "Kellerei Morgenrot\nAm Mühlbach 7\n67098 Bad Dürkheim\n",
+            "Firma=Kellerei Morgenrot | Adresse=Am Mühlbach 7 | PLZ=67098 | "
+            "Ort=Bad Dürkheim | Land=Deutschland");
+    addCase("number range and letter", "Druckhaus Seeblick\nLange Reihe 12-14a\n20099 Hamburg\n",
+            "Firma=Druckhaus Seeblick | Adresse=Lange Reihe 12-14a | PLZ=20099 | Ort=Hamburg | "
+            "Land=Deutschland");
+    addCase("PO box only", "Landratsamt Wiesental\nPostfach 10 20 30\n79650 Schopfheim\n",
+            "Firma=Landratsamt Wiesental | Adresse=Postfach 10 20 30 | PLZ=79650 | "
+            "Ort=Schopfheim | Land=Deutschland");
+    addCase("street and PO box, postcode of the street",
+            "Kornkammer eG\nSpeicherstraße 2\n26122 Oldenburg\nPostfach 3344\n26023 Oldenburg\n",
+            "Firma=Kornkammer eG | Adresse=Speicherstraße 2 | Adresse 2=Postfach 3344 | "
+            "PLZ=26122 | Ort=Oldenburg | Land=Deutschland");
+    addCase("c/o line beside the street",
+            "Jugendchor Nordwind e.V.\nc/o Werkhof Nord\nHafenstraße 9\n24103 Kiel\n",
+            "Firma=Jugendchor Nordwind e.V. | Adresse=Hafenstraße 9 | "
+            "Adresse 2=c/o Werkhof Nord | PLZ=24103 | Ort=Kiel | Land=Deutschland");
+    addCase("street and city on one line",
+            "Glaserei Funke · Fensterweg 3, 45127 Essen · Tel. 0201 445566\n",
+            "Firma=Glaserei Funke | Adresse=Fensterweg 3 | PLZ=45127 | Ort=Essen | "
+            "Land=Deutschland | Telefon=0201 445566");
+}
+
+void TestEnhanced::postcodes_data()
+{
+    columns();
+    addCase("Swiss prefix and a country line: one country",
+            "Alpenblick Reisen AG\nBundesgasse 4\nCH-3011 Bern\nSchweiz\n",
+            "Firma=Alpenblick Reisen AG | Adresse=Bundesgasse 4 | PLZ=3011 | Ort=Bern | "
+            "Land=Schweiz");
+    addCase("Liechtenstein", "Rheintal Treuhand Anstalt AG\nStädtle 10\nFL-9490 Vaduz\n",
+            "Firma=Rheintal Treuhand Anstalt AG | Adresse=Städtle 10 | PLZ=9490 | Ort=Vaduz | "
+            "Land=Liechtenstein");
+    addCase("US city, state and ZIP",
+            "Harborview Analytics, Inc.\n1200 Market Street\nSan Francisco, CA 94102\n",
+            "Firma=Harborview Analytics, Inc. | Adresse=1200 Market Street | PLZ=94102 | "
+            "Ort=San Francisco, CA | Land=USA");
+    addCase("France with prefix", "Vins Dubois SARL\n12 rue des Vignes\nF-67000 Strasbourg\n",
+            "Firma=Vins Dubois SARL | Adresse=12 rue des Vignes | PLZ=67000 | Ort=Strasbourg | "
+            "Land=Frankreich");
+    addCase("Italy with prefix", "Speck Oberhofer S.r.l.\nVia Roma 12\nI-39100 Bozen\n",
+            "Firma=Speck Oberhofer S.r.l. | Adresse=Via Roma 12 | PLZ=39100 | Ort=Bozen | "
+            "Land=Italien");
+    addCase("four digits, Austrian number",
+            "Donaublick Optik GmbH\nHauptplatz 1\n4020 Linz\nTel. +43 732 123456\n",
+            "Firma=Donaublick Optik GmbH | Adresse=Hauptplatz 1 | PLZ=4020 | Ort=Linz | "
+            "Land=Österreich | Telefon=+43 732 123456");
+    addCase("four digits, Swiss domain",
+            "Seeland Velos GmbH\nBahnhofstrasse 3\n2502 Biel\ninfo@seeland-velos.example.ch\n",
+            "Firma=Seeland Velos GmbH | Adresse=Bahnhofstrasse 3 | PLZ=2502 | Ort=Biel | "
+            "Land=Schweiz | eMail=info@seeland-velos.example.ch");
+    addCase("German prefix", "Isartal Media GmbH\nSendlinger Straße 7\nD-80331 München\n",
+            "Firma=Isartal Media GmbH | Adresse=Sendlinger Straße 7 | PLZ=80331 | Ort=München | "
+            "Land=Deutschland");
+}
+
+void TestEnhanced::phones_data()
+{
+    columns();
+    addCase("two labels on one line", "Tel. 0711 123 456 | Fax 0711 123 457\n",
+            "Telefon=0711 123 456 | Fax=0711 123 457");
+    addCase("two labels without divider", "Tel. 0711 123 456 Fax 0711 123 457\n",
+            "Telefon=0711 123 456 | Fax=0711 123 457");
+    addCase("written as it stands", "Telefon: +49 (0) 89 / 12 34 56-0\n",
+            "Telefon=+49 (0) 89 / 12 34 56-0");
+    addCase("mobile without label", "030 1234567\n0170 1234567\n",
+            "Telefon=030 1234567 | Mobil=0170 1234567");
+    addCase("Austrian mobile without label", "+43 664 1234567\n", "Mobil=+43 664 1234567");
+    addCase("switchboard and direct line",
+            "Tel. 0221 5555-0 (Zentrale)\nTel. 0221 5555-17 (Durchwahl)\n",
+            "Telefon=0221 5555-17 | Telefon 2=0221 5555-0");
+    addCase("hotline second", "Telefon: 0421 778899\nHotline: 0800 1234567\n",
+            "Telefon=0421 778899 | Telefon 2=0800 1234567");
+    addCase("symbols as labels", "☎ 0461 12345\n✉ hallo@foerde-kaffee.example.de\n",
+            "Telefon=0461 12345 | eMail=hallo@foerde-kaffee.example.de");
+}
+
+void TestEnhanced::imprints_data()
+{
+    columns();
+    addCase("represented by the managing director",
+            "Impressum\n\nKlarwasser Filtertechnik GmbH\nSeestraße 4\n78464 Konstanz\n\n"
+            "Vertreten durch den Geschäftsführer: Dipl.-Ing. Lothar Brenner\n"
+            "Registergericht: Amtsgericht Freiburg HRB 1234\nUSt-IdNr.: DE123456789\n",
+            "Firma=Klarwasser Filtertechnik GmbH | Adresse=Seestraße 4 | PLZ=78464 | "
+            "Ort=Konstanz | Land=Deutschland | Titel=Dipl.-Ing. | Vorname=Lothar | "
+            "Nachname=Brenner | Kontakt=Lothar Brenner");
+    addCase("first of two directors, label on its own line",
+            "Angaben gemäß § 5 DDG\nMorgentau Kosmetik GmbH\nRosenweg 2\n65183 Wiesbaden\n"
+            "Geschäftsführer:\nIlse Morgenthal, Dr. Konrad Weyer\n",
+            "Firma=Morgentau Kosmetik GmbH | Adresse=Rosenweg 2 | PLZ=65183 | Ort=Wiesbaden | "
+            "Land=Deutschland | Vorname=Ilse | Nachname=Morgenthal | Kontakt=Ilse Morgenthal");
+    addCase("register lines stay out",
+            "Sägewerk Tannengrund KG\nHolzweg 1\n57392 Schmallenberg\nAmtsgericht Arnsberg HRA "
+            "4711\nSitz: Schmallenberg\n",
+            "Firma=Sägewerk Tannengrund KG | Adresse=Holzweg 1 | PLZ=57392 | "
+            "Ort=Schmallenberg | Land=Deutschland");
+}
+
+void TestEnhanced::threads_data()
+{
+    columns();
+    addCase("quoted signature below a short reply",
+            "Danke, so machen wir es.\n\nAm 03.03.2025 um 09:12 schrieb Uwe Krämer:\n"
+            "> Hallo Herr Lenz,\n> anbei das Angebot.\n>\n> Uwe Krämer\n> Krämer Fliesen GmbH\n"
+            "> Kachelweg 4\n> 33602 Bielefeld\n> Tel. 0521 998877\n",
+            "Vorname=Uwe | Nachname=Krämer | Kontakt=Uwe Krämer | Firma=Krämer Fliesen GmbH | "
+            "Adresse=Kachelweg 4 | PLZ=33602 | Ort=Bielefeld | Land=Deutschland | "
+            "Telefon=0521 998877");
+    addCase("topmost signature wins",
+            "Gruß\nJonas Feld\nFeld Metallbau GmbH\nAmbossweg 2\n57462 Olpe\n\n"
+            "-----Original Message-----\nFrom: Petra Lang <p.lang@lang.example.de>\n"
+            "Petra Lang\nLang Logistik AG\nHafenweg 1\n28195 Bremen\n",
+            "Vorname=Jonas | Nachname=Feld | Kontakt=Jonas Feld | Firma=Feld Metallbau GmbH | "
+            "Adresse=Ambossweg 2 | PLZ=57462 | Ort=Olpe | Land=Deutschland");
+    addCase("out of office names a deputy in prose",
+            "Vielen Dank für Ihre Nachricht. Ich bin bis zum 14.08. nicht im Büro. In dringenden "
+            "Fällen wenden Sie sich bitte an Frau Petra Lang, petra.lang@feld.example.de.\n\n"
+            "Mit freundlichen Grüßen\nJonas Feld\nFeld Metallbau GmbH\nAmbossweg 2\n57462 Olpe\n"
+            "j.feld@feld.example.de\n",
+            "Vorname=Jonas | Nachname=Feld | Kontakt=Jonas Feld | Firma=Feld Metallbau GmbH | "
+            "Adresse=Ambossweg 2 | PLZ=57462 | Ort=Olpe | Land=Deutschland | "
+            "eMail=j.feld@feld.example.de");
+    addCase("letter: the sender, not the recipient",
+            "Wellenreiter Bootsbau GmbH\nKaiweg 3 · 23570 Lübeck\n\nHerrn\nKarl Obermaier\n"
+            "Seestraße 10\n82319 Starnberg\n\nSehr geehrter Herr Obermaier,\n"
+            "anbei unser Angebot.\n\nMit freundlichen Grüßen\n\nSönke Wellner\n",
+            "Firma=Wellenreiter Bootsbau GmbH | Adresse=Kaiweg 3 | PLZ=23570 | Ort=Lübeck | "
+            "Land=Deutschland | Vorname=Sönke | Nachname=Wellner | Kontakt=Sönke Wellner");
+    addCase("a recipient address alone is the contact",
+            "Herrn\nDr. Paul Ebert\nLindenweg 3\n34117 Kassel\n",
+            "Anrede=Herr | Titel=Dr. | Vorname=Paul | Nachname=Ebert | Kontakt=Paul Ebert | "
+            "Adresse=Lindenweg 3 | PLZ=34117 | Ort=Kassel | Land=Deutschland");
+    addCase("moved: the new address",
+            "Wir sind umgezogen!\nBisherige Anschrift:\nAlter Markt 1\n50667 Köln\n\n"
+            "Neue Anschrift:\nTöpferei Lehmkuhl\nTonweg 5\n50823 Köln\n",
+            "Firma=Töpferei Lehmkuhl | Adresse=Tonweg 5 | PLZ=50823 | Ort=Köln | "
+            "Land=Deutschland");
+}
+
+void TestEnhanced::forms_data()
+{
+    columns();
+    addCase("surname first after Name",
+            "Firma: Holzwurm Schreinerei\nName: Brandl, Xaver\nOrt: Rosenheim\nPLZ: 83022\n",
+            "Firma=Holzwurm Schreinerei | Vorname=Xaver | Nachname=Brandl | "
+            "Kontakt=Xaver Brandl | PLZ=83022 | Ort=Rosenheim | Land=Deutschland");
+    addCase("spreadsheet row",
+            "Fuchs Gartenbau GmbH\tFrau\tMaren\tFuchs\tGartenweg 1\t21335\tLüneburg\r\n",
+            "Firma=Fuchs Gartenbau GmbH | Anrede=Frau | Vorname=Maren | Nachname=Fuchs | "
+            "Kontakt=Maren Fuchs | Adresse=Gartenweg 1 | PLZ=21335 | Ort=Lüneburg | "
+            "Land=Deutschland");
+}
+
+void TestEnhanced::keepsTheClassicContract_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("signature") << QStringLiteral(
+        "Muster GmbH\r\nHerr Hans Meier\r\nTel. 0711 12\r\n");
+    QTest::newRow("tabs and quotes")
+        << QStringLiteral("> A\tB\r\n> C . \r\nDetails der X schließen\r\n");
+    QTest::newRow("semicolons") << QStringLiteral("Firma: A;Name: B;PLZ: 12345");
+    QTest::newRow("control characters") << QStringLiteral("A\x01"
+                                                          "B\r\n\x7f"
+                                                          "C\r\n");
+}
+
+// The box shows exactly what the classic run shows, and the run completes.
+void TestEnhanced::keepsTheClassicContract()
+{
+    QFETCH(QString, text);
+    FreshSession classic;
+    FreshSession enhanced;
+    QVERIFY(FetchClipboardText(text, classic, Seams{}).has_value());
+    const auto r = FetchClipboardTextEnhanced(text, enhanced, Seams{});
+    QVERIFY(r.has_value());
+    QVERIFY(r->completed);
+    QCOMPARE(enhanced.clipText, classic.clipText);
+    QCOMPARE(enhanced.state.ClipboardText, classic.state.ClipboardText);
+}
+
+void TestEnhanced::extraDefinitionsAsInClassic()
+{
+    const QString text = QStringLiteral("Abteilung: Technik\r\nAbteilung: QS\r\nKunde: 4711\r\n"
+                                        "Fuchs GmbH\r\nGartenweg 1\r\n21335 Lüneburg\r\n");
+    FreshSession classic;
+    FreshSession enhanced;
+    for (Session* s : {&classic, &enhanced}) {
+        AddExtraDefinition(s->state, 88, QStringLiteral("Abteilung:"));
+        AddExtraDefinition(s->state, 300, QStringLiteral("Kunde:"));
+        s->state.ExtraDefinitionsLoaded = true;
+    }
+    FetchClipboardText(text, classic, Seams{});
+    FetchClipboardTextEnhanced(text, enhanced, Seams{});
+    QCOMPARE(enhanced.state.ExtraFieldValues, classic.state.ExtraFieldValues);
+    QCOMPARE(enhanced.state.ExtraFieldValues.size(), 2);
+    // The line the definition took is not analysed again; the second one still is.
+    QCOMPARE(filed(enhanced),
+             normalised(QStringLiteral("Abteilung=QS | Firma=Fuchs GmbH | Adresse=Gartenweg 1 | "
+                                       "PLZ=21335 | Ort=Lüneburg | Land=Deutschland")));
+}
+
+void TestEnhanced::unplacedLineHasNoField()
+{
+    FreshSession s;
+    FetchClipboardTextEnhanced(QStringLiteral("Fuchs GmbH\nGartenweg 1\n21335 Lüneburg\n"
+                                              "Quergasse Nord\n"),
+                               s, Seams{});
+    int unplaced = -1;
+    for (int r = 0; r < FieldRows::RowCount; ++r)
+        if (s.rows.value(r) == QStringLiteral("Quergasse Nord"))
+            unplaced = r;
+    QVERIFY(unplaced >= 0);
+    QCOMPARE(s.rows.selected(unplaced), -1);
+}
+
+void TestEnhanced::traceExplainsEveryLine()
+{
+    FreshSession s;
+    const auto r = FetchClipboardTextEnhanced(
+        QStringLiteral("Mit freundlichen Grüßen\nAnna Roth\nRoth GmbH\n"), s, Seams{}, false, true);
+    QVERIFY(r.has_value());
+    QCOMPARE(r->notes.size(), 3);
+    const QJsonObject name = r->notes[1].toObject();
+    QCOMPARE(name[QStringLiteral("kind")].toString(), QStringLiteral("Person"));
+    QVERIFY(!name[QStringLiteral("why")].toString().isEmpty());
+    QCOMPARE(name[QStringLiteral("fields")].toArray().first().toString(),
+             QStringLiteral("Kontakt"));
+    QCOMPARE(r->notes[0].toObject()[QStringLiteral("kind")].toString(),
+             QStringLiteral("Grußformel"));
+}
+
+void TestEnhanced::modeSwitch()
+{
+    const QString text = QStringLiteral("Mit freundlichen Grüßen\r\nAnna Roth\r\nRoth GmbH\r\n");
+    FreshSession a;
+    FreshSession b;
+    FetchClipboardText(text, a, Seams{});
+    FetchClipboardTextIn(AnalysisMode::Classic, text, b, Seams{});
+    QCOMPARE(filed(b), filed(a));
+    FreshSession c;
+    FetchClipboardTextIn(AnalysisMode::Enhanced, text, c, Seams{});
+    QCOMPARE(filed(c), normalised(QStringLiteral(
+                           "Firma=Roth GmbH | Vorname=Anna | Nachname=Roth | Kontakt=Anna Roth")));
+    QVERIFY(filed(c) != filed(a));
+}
+
+void TestEnhanced::settingsSwitchItOn_data()
+{
+    QTest::addColumn<QByteArray>("ini");
+    QTest::addColumn<bool>("enhanced");
+    QTest::newRow("on") << QByteArray("[Config]\r\nErweiterteAnalyse=1\r\n") << true;
+    QTest::newRow("off") << QByteArray("[Config]\r\nErweiterteAnalyse=0\r\n") << false;
+    QTest::newRow("missing") << QByteArray("[Config]\r\nCacheFelder=0\r\n") << false;
+    QTest::newRow("other value") << QByteArray("[Config]\r\nErweiterteAnalyse=ja\r\n") << false;
+}
+
+void TestEnhanced::settingsSwitchItOn()
+{
+    QFETCH(QByteArray, ini);
+    QFETCH(bool, enhanced);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("zettelfischer.ini"));
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write(ini);
+    f.close();
+    FreshSession s;
+    s.state.ErweiterteAnalyse = !enhanced; // the load must overwrite it
+    LoadSettings(path, s.state, s.rows);
+    QCOMPARE(s.state.ErweiterteAnalyse, enhanced);
+    QCOMPARE(ModeOf(s.state), enhanced ? AnalysisMode::Enhanced : AnalysisMode::Classic);
+}
+
+void TestEnhanced::oddInputEnds_data()
+{
+    QTest::addColumn<QString>("text");
+    QString binary;
+    for (int i = 0; i < 4000; ++i)
+        binary.append(QChar(char16_t((i * 7919) % 0xd7ff + 1)));
+    QTest::newRow("binary") << binary;
+    QTest::newRow("one long line") << QString(200000, QLatin1Char('x'));
+    QTest::newRow("many lines") << QStringLiteral("Musterweg 1\n12345 Stadt\n").repeated(20000);
+    QTest::newRow("only dividers") << QStringLiteral("|||·•\t\t|\n").repeated(100);
+    QTest::newRow("lone surrogates")
+        << QString(QChar(0xd800)) + QStringLiteral("x\n") + QChar(0xdc00);
+}
+
+void TestEnhanced::oddInputEnds()
+{
+    QFETCH(QString, text);
+    FreshSession s;
+    const auto r = AnalyseTextEnhanced(text, s, Seams{});
+    QVERIFY(r.completed);
+    for (int row = 0; row < FieldRows::RowCount; ++row)
+        QVERIFY(s.rows.selected(row) < s.rows.fields().count());
+}
+
+QTEST_GUILESS_MAIN(TestEnhanced)
+#include "tst_enhanced.moc"
