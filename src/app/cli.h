@@ -7,11 +7,15 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 // Exit status for a usage error or unreadable input.
 constexpr int ExitUsage = 2;
 
-// Prints "zettelfischer-cli: MESSAGE" and a hint to stderr; returns ExitUsage.
+// Prints "zettelfischer-cli: MESSAGE" and a hint at the help to stderr; returns ExitUsage.
 int usageError(const QString& message);
+// The command whose help that hint names; "" for the overview of all commands.
+void setUsageCommand(const QString& name);
 
 struct AnalyseOptions {
     bool raw = false;
@@ -20,9 +24,6 @@ struct AnalyseOptions {
     QString iniFile;
     QString inputFile;
 };
-
-// Parses the analyse options; returns an error text, or "" when they are fine.
-QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& options);
 
 // One analysis of the command line's input, with the messages it showed.
 struct AnalyseRun {
@@ -38,9 +39,14 @@ QString analyseInput(const AnalyseOptions& options, AnalyseRun& run);
 QJsonObject analysisToJson(const AnalyseRun& run, bool withTrace);
 void printJson(const QJsonObject& object);
 
-// zettelfischer-cli analyse ...
-int runAnalyse(const QStringList& args);
-// zettelfischer-cli contacts ... (the embedded contact book)
-int runContacts(const QStringList& args);
-// zettelfischer-cli transfer --new|--edit ...: analyse, then file the rows as a contact.
-int runTransfer(const QStringList& args);
+// The work behind the commands, once their arguments are checked (commands/*.h read them).
+// Each returns the exit status.
+
+// Analyses the input and prints the JSON.
+int runAnalyse(const AnalyseOptions& options);
+// A contact id as the contacts commands take it (1 or more); nullopt for anything else.
+std::optional<qint64> parseContactId(const QString& text);
+// Contacts subcommand COMMAND with its checked arguments, on the book FILE (see contactBookPath).
+int runContacts(const QString& command, const QStringList& args, const QString& file);
+// Analyses the input, then files the rows as a new contact (create) or into the current one.
+int runTransfer(bool create, const QString& file, const AnalyseOptions& options);

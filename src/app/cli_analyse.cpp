@@ -1,4 +1,4 @@
-// The "analyse" command of zettelfischer-cli.
+// The work behind the "analyse" command: read the input, analyse it, print the JSON.
 
 #include "cli.h"
 
@@ -15,49 +15,6 @@
 
 using namespace Qt::StringLiterals;
 using namespace zf;
-
-QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& o)
-{
-    for (qsizetype i = 0; i < args.size(); ++i) {
-        QString arg = args[i];
-        QString inlineValue;
-        bool hasInlineValue = false;
-        if (arg.startsWith(u"--"_s) && arg.contains(u'=')) {
-            inlineValue = arg.mid(arg.indexOf(u'=') + 1);
-            arg = arg.left(arg.indexOf(u'='));
-            hasInlineValue = true;
-        }
-        const auto takeValue = [&](QString& target) -> bool {
-            if (hasInlineValue) {
-                target = inlineValue;
-                return true;
-            }
-            if (i + 1 >= args.size())
-                return false;
-            target = args[++i];
-            return true;
-        };
-        if (arg == u"--raw"_s && !hasInlineValue) {
-            o.raw = true;
-        } else if (arg == u"--trace"_s && !hasInlineValue) {
-            o.trace = true;
-        } else if (arg == u"--separator"_s) {
-            if (!takeValue(o.separator))
-                return u"--separator needs a value"_s;
-        } else if (arg == u"--ini"_s) {
-            if (!takeValue(o.iniFile) || o.iniFile.isEmpty())
-                return u"--ini needs a file name"_s;
-        } else if (arg == u"--file"_s) {
-            if (!takeValue(o.inputFile) || o.inputFile.isEmpty())
-                return u"--file needs a file name"_s;
-        } else {
-            return u"unknown option '%1'"_s.arg(args[i]);
-        }
-    }
-    if (!o.iniFile.isEmpty() && !QFileInfo(o.iniFile).isFile())
-        return u"settings file '%1' does not exist"_s.arg(o.iniFile);
-    return {};
-}
 
 namespace {
 
@@ -156,11 +113,8 @@ void printJson(const QJsonObject& object)
     std::fwrite(json.constData(), 1, size_t(json.size()), stdout);
 }
 
-int runAnalyse(const QStringList& args)
+int runAnalyse(const AnalyseOptions& o)
 {
-    AnalyseOptions o;
-    if (const QString error = parseAnalyseOptions(args, o); !error.isEmpty())
-        return usageError(error);
     AnalyseRun run;
     if (const QString error = analyseInput(o, run); !error.isEmpty())
         return usageError(error);
