@@ -45,8 +45,11 @@ void BM_TransferSixteenRows(benchmark::State& state)
     hooks.setTopMost = [](bool) {};
     hooks.repaint = [] {};
     int failures = 0;
-    hooks.showMessage = [&failures](const QString&, int) { return ++failures, 1; };
-    hooks.showCompletionPrompt = [](bool) -> quint8 { return 2; };
+    hooks.showMessage = [&failures](const QString&, MessageStyle) {
+        ++failures;
+        return MessageAnswer::Ok;
+    };
+    hooks.showCompletionPrompt = [](bool) { return Completion::Back; };
     hooks.focusMainWindow = [] {};
     hooks.closeProgram = [] {};
     Session session;

@@ -112,7 +112,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
     int messages = 0;
     Seams seams;
-    seams.showMessage = [&messages](const QString&, int) { return ++messages, 1; };
+    seams.showMessage = [&messages](const QString&, MessageStyle) {
+        ++messages;
+        return MessageAnswer::Ok;
+    };
     seams.chooseSeparator = [mode] { return (mode & 2) ? u","_s : QString(); };
 
     const bool analysed = (mode & 1)

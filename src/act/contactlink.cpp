@@ -1,5 +1,6 @@
 #include "contactlink.h"
 
+#include "act/messages.h"
 #include "analysis/fields.h"
 #include "analysis/textutil.h"
 
@@ -57,7 +58,7 @@ ContactLink::~ContactLink()
 void ContactLink::TransferContact(bool create, Session& session, const WindowHooks& hooks)
 {
     if (Trim(session.clipText).isEmpty()) {
-        call(hooks.showMessage, msg::NoData, int(StyleExclamation));
+        call(hooks.showMessage, msg::NoData, MessageStyle::Exclamation);
         return;
     }
     call(hooks.setBusyCursor, true);
@@ -99,7 +100,7 @@ void ContactLink::TransferContact(bool create, Session& session, const WindowHoo
         call(hooks.setTopMost, false);
         call(hooks.repaint);
         call(hooks.showMessage, create ? msg::CreateFailed : msg::EditFailed,
-             int(StyleExclamation));
+             MessageStyle::Exclamation);
         return;
     }
     m_lastError.clear();
@@ -107,11 +108,11 @@ void ContactLink::TransferContact(bool create, Session& session, const WindowHoo
     call(hooks.setTopMost, false);
     call(hooks.repaint);
 
-    m_completionChoice = 0;
+    m_completionChoice = Completion::None;
     m_lastTransferCreated = create;
-    // The prompt writes its answer only when a button closed it; the close box leaves 0.
+    // The prompt writes its answer only when a button closed it; the close box leaves None.
     m_completionChoice = call(hooks.showCompletionPrompt, create);
-    if (m_completionChoice == 1)
+    if (m_completionChoice == Completion::Leave)
         call(hooks.closeProgram);
     else
         call(hooks.focusMainWindow);
@@ -144,7 +145,7 @@ bool ContactLink::OpenActDatabase(const WindowHooks& hooks)
 void ContactLink::LoadFieldList(Session& session, const WindowHooks& hooks)
 {
     if (!OpenActDatabase(hooks)) {
-        call(hooks.showMessage, msg::FieldsNotLoaded, int(StyleExclamation));
+        call(hooks.showMessage, msg::FieldsNotLoaded, MessageStyle::Exclamation);
         call(hooks.saveFieldCache);
         return;
     }
@@ -166,7 +167,7 @@ void ContactLink::LoadFieldList(Session& session, const WindowHooks& hooks)
         m_lastError.clear();
     } catch (const std::exception& e) {
         m_lastError = QString::fromStdString(e.what());
-        call(hooks.showMessage, msg::FieldsNotLoaded, int(StyleExclamation));
+        call(hooks.showMessage, msg::FieldsNotLoaded, MessageStyle::Exclamation);
         call(hooks.setBusyCursor, false);
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "act/automation.h"
+#include "analysis/seams.h"
 #include "analysis/session.h"
 
 #include <QString>
@@ -10,14 +11,17 @@
 
 namespace zf::act {
 
+// The completion prompt's answer; None when it was closed without one.
+enum class Completion : quint8 { None = 0, Leave = 1, Back = 2 };
+
 // What the contact link needs of the main window; the window fills these in, tests record.
 struct WindowHooks {
     std::function<void(bool busy)> setBusyCursor;
     std::function<void(bool onTop)> setTopMost;
     std::function<void()> repaint;
-    std::function<int(const QString& text, int style)> showMessage;
-    // Shows the completion prompt modally; returns CompletionChoice (0 none, 1 leave, 2 back).
-    std::function<quint8(bool created)> showCompletionPrompt;
+    MessageFunction showMessage;
+    // Shows the completion prompt modally and returns its answer.
+    std::function<Completion(bool created)> showCompletionPrompt;
     std::function<void()> fetchClipboard; // FetchClipboard of the window
     std::function<void()> saveFieldCache; // SaveFieldCache of the settings
     std::function<void()> closeProgram;   // unload the main window and end the program
@@ -42,9 +46,8 @@ public:
     // Releases the kept objects (at shutdown).
     void ReleaseActObjects();
 
-    // The completion prompt's hand-over: its answer (0 none, 1 leave, 2 back) and the mode of
-    // the transfer that opened it.
-    quint8 CompletionChoice() const { return m_completionChoice; }
+    // The completion prompt's hand-over: its answer and the mode of the transfer that opened it.
+    Completion CompletionChoice() const { return m_completionChoice; }
     bool LastTransferCreated() const { return m_lastTransferCreated; }
     // Why the last failed call failed, for logs and the command line; "" after a success.
     const QString& lastError() const { return m_lastError; }
@@ -53,7 +56,7 @@ private:
     struct Objects;
     std::shared_ptr<ObjectFactory> m_factory;
     std::unique_ptr<Objects> m_objects;
-    quint8 m_completionChoice = 0;
+    Completion m_completionChoice = Completion::None;
     bool m_lastTransferCreated = false;
     QString m_lastError;
 };

@@ -3,6 +3,7 @@
 #include "cleanup.h"
 #include "failure.h"
 #include "fields.h"
+#include "messages.h"
 #include "textutil.h"
 
 #include <QStringList>
@@ -94,7 +95,7 @@ std::optional<QString> ChooseSeparator(const QString& text, SharedState& state, 
         if (text.contains(c))
             return c;
     if (seams.showMessage)
-        seams.showMessage(msg::NoSeparator, StyleExclamation);
+        seams.showMessage(msg::NoSeparator, MessageStyle::Exclamation);
     state.ChosenSeparator = seams.chooseSeparator ? seams.chooseSeparator() : QString();
     if (state.ChosenSeparator.isEmpty())
         return std::nullopt;
@@ -566,7 +567,7 @@ std::optional<AnalysisResult> FetchClipboardText(const QString& clipboard, Sessi
     const QString prepared = PrepareClipboardText(clipboard);
     if (Trim(prepared).isEmpty()) {
         if (!silent && seams.showMessage)
-            seams.showMessage(msg::ClipboardEmpty, StyleInformation);
+            seams.showMessage(msg::ClipboardEmpty, MessageStyle::Information);
         return std::nullopt;
     }
     return AnalyseText(prepared, session, seams);

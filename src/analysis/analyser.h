@@ -1,5 +1,6 @@
 #pragma once
 
+#include "seams.h"
 #include "session.h"
 #include "zeile.h"
 

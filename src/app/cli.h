@@ -35,6 +35,10 @@ struct AnalyseRun {
 // Reads the input and analyses it as the options say; returns an error text, or "".
 QString analyseInput(const AnalyseOptions& options, AnalyseRun& run);
 
+// A message seam that records each message as {text, style} and answers No to a question,
+// as a user who is not there would.
+zf::MessageFunction recordMessages(QJsonArray& messages);
+
 // The analysis output object: rows, clipText, extraFieldValues, messages, completed (lines).
 QJsonObject analysisToJson(const AnalyseRun& run, bool withTrace);
 void printJson(const QJsonObject& object);

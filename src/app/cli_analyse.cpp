@@ -85,10 +85,7 @@ QString analyseInput(const AnalyseOptions& o, AnalyseRun& run)
     session.state.ChosenSeparator = o.separator;
 
     Seams seams;
-    seams.showMessage = [&run](const QString& message, int style) {
-        run.messages.append(QJsonObject{{u"text"_s, message}, {u"style"_s, style}});
-        return style == StyleQuestion ? int(AnswerNo) : int(AnswerOk);
-    };
+    seams.showMessage = recordMessages(run.messages);
     seams.chooseSeparator = [] { return QString(); }; // as if closed without a choice
 
     if (o.raw) {
@@ -97,6 +94,14 @@ QString analyseInput(const AnalyseOptions& o, AnalyseRun& run)
         run.result = std::move(*fetched);
     }
     return {};
+}
+
+MessageFunction recordMessages(QJsonArray& messages)
+{
+    return [&messages](const QString& text, MessageStyle style) {
+        messages.append(QJsonObject{{u"text"_s, text}, {u"style"_s, int(style)}});
+        return style == MessageStyle::Question ? MessageAnswer::No : MessageAnswer::Ok;
+    };
 }
 
 QJsonObject analysisToJson(const AnalyseRun& run, bool withTrace)

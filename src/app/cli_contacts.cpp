@@ -166,13 +166,10 @@ int runTransfer(bool create, const QString& file, const AnalyseOptions& options)
     QJsonArray messages;
     bool prompted = false;
     WindowHooks hooks;
-    hooks.showMessage = [&messages](const QString& text, int style) {
-        messages.append(QJsonObject{{u"text"_s, text}, {u"style"_s, style}});
-        return int(AnswerOk);
-    };
-    hooks.showCompletionPrompt = [&prompted](bool) -> quint8 {
+    hooks.showMessage = recordMessages(messages);
+    hooks.showCompletionPrompt = [&prompted](bool) {
         prompted = true;
-        return 2; // back: a script decides itself what comes next
+        return Completion::Back; // a script decides itself what comes next
     };
     link.TransferContact(create, run.session, hooks);
 

@@ -31,20 +31,20 @@ formFertigAbfrage::formFertigAbfrage(bool created, QWidget* parent) : QDialog(pa
     cmdRaus->setObjectName(u"cmdRaus"_s);
     cmdRaus->setGeometry(8, 72, 305, 33);
 
-    connect(cmdNeueRunde, &QPushButton::clicked, this, [this] { answer(2); });
-    connect(cmdRaus, &QPushButton::clicked, this, [this] { answer(1); });
+    connect(cmdNeueRunde, &QPushButton::clicked, this, [this] { answer(act::Completion::Back); });
+    connect(cmdRaus, &QPushButton::clicked, this, [this] { answer(act::Completion::Leave); });
 
     // The contact manager's window may lie above; the prompt must stay visible.
     SetTopMost(this, true);
 }
 
-void formFertigAbfrage::answer(quint8 choice)
+void formFertigAbfrage::answer(act::Completion choice)
 {
     m_choice = choice;
     accept();
 }
 
-quint8 ShowCompletionPrompt(bool created, QWidget* parent)
+act::Completion ShowCompletionPrompt(bool created, QWidget* parent)
 {
     formFertigAbfrage prompt(created, parent);
     prompt.exec();

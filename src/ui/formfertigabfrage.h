@@ -1,5 +1,7 @@
 #pragma once
 
+#include "act/contactlink.h"
+
 #include <QDialog>
 
 class QLabel;
@@ -13,20 +15,19 @@ class formFertigAbfrage : public QDialog {
 public:
     explicit formFertigAbfrage(bool created, QWidget* parent = nullptr);
 
-    // 0 = closed without an answer, 1 = leave, 2 = back.
-    quint8 CompletionChoice() const { return m_choice; }
+    act::Completion CompletionChoice() const { return m_choice; }
 
     QLabel* Label1;
     QPushButton* cmdNeueRunde;
     QPushButton* cmdRaus;
 
 private:
-    void answer(quint8 choice);
+    void answer(act::Completion choice);
 
-    quint8 m_choice = 0;
+    act::Completion m_choice = act::Completion::None;
 };
 
 // Shows the prompt modally and returns its answer.
-quint8 ShowCompletionPrompt(bool created, QWidget* parent);
+act::Completion ShowCompletionPrompt(bool created, QWidget* parent);
 
 } // namespace zf::ui

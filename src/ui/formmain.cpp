@@ -1,5 +1,6 @@
 #include "formmain.h"
 
+#include "act/messages.h"
 #include "analysis/analyser.h"
 #include "analysis/textutil.h"
 #include "formfertigabfrage.h"
@@ -37,6 +38,7 @@ QString ClipboardPlainText()
 
 formMain::formMain(MainOptions options, QWidget* parent)
     : QWidget(parent), m_options(std::move(options)),
+      m_showMessage(m_options.showMessage ? m_options.showMessage : messageBoxes(this)),
       m_link(std::make_unique<act::ContactLink>(m_options.contacts))
 {
     setObjectName(u"formMain"_s);
@@ -209,10 +211,8 @@ void formMain::buildButtons()
 Seams formMain::seams()
 {
     Seams s;
-    s.showMessage = [this](const QString& text, int style) {
-        return ShowMessage(text, style, this);
-    };
-    s.chooseSeparator = [this] { return ChooseSeparator(m_session.state, this); };
+    s.showMessage = m_showMessage;
+    s.chooseSeparator = [this] { return ChooseSeparator(m_session.state, m_showMessage, this); };
     return s;
 }
 
@@ -222,9 +222,7 @@ act::WindowHooks formMain::hooks()
     h.setBusyCursor = [](bool busy) { SetBusyCursor(busy); };
     h.setTopMost = [this](bool onTop) { SetTopMost(this, onTop); };
     h.repaint = [this] { repaint(); };
-    h.showMessage = [this](const QString& text, int style) {
-        return ShowMessage(text, style, this);
-    };
+    h.showMessage = m_showMessage;
     h.showCompletionPrompt = [this](bool created) { return ShowCompletionPrompt(created, this); };
     h.fetchClipboard = [this] { FetchClipboard(); };
     h.saveFieldCache = [this] { SaveFieldCache(m_options.iniPath, m_session.rows); };
@@ -321,10 +319,10 @@ void formMain::TransferContact(bool create)
 void formMain::ChooseNewSeparator()
 {
     if (Trim(txtClipText->toPlainText()).isEmpty()) {
-        ShowMessage(msg::NoData, StyleExclamation, this);
+        m_showMessage(msg::NoData, MessageStyle::Exclamation);
         return;
     }
-    if (!ChooseSeparator(m_session.state, this).isEmpty())
+    if (!ChooseSeparator(m_session.state, m_showMessage, this).isEmpty())
         FetchClipboard();
 }
 
@@ -341,7 +339,7 @@ void formMain::ShowInfo()
 
 void formMain::StartUpdate()
 {
-    if (LaunchUpdate(m_options.programDir, this) == UpdateOutcome::Started)
+    if (LaunchUpdate(m_options.programDir, m_showMessage) == UpdateOutcome::Started)
         close();
 }
 

@@ -22,6 +22,7 @@ struct MainOptions {
     QString iniPath;    // the settings file
     QString programDir; // where the update program lies
     std::shared_ptr<act::ObjectFactory> contacts;
+    MessageFunction showMessage; // empty: message boxes on this window
 };
 
 // The main window: sixteen field rows bound to the session's rows, the clipboard box and the
@@ -74,6 +75,7 @@ private:
     void commitRowField(int row);
 
     MainOptions m_options;
+    MessageFunction m_showMessage;
     Session m_session;
     std::unique_ptr<act::ContactLink> m_link;
     bool m_analysisRunning = false;

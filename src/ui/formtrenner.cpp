@@ -56,7 +56,8 @@ QString SeparatorPreview(const QString& clipboardText, const QString& separator)
     return preview;
 }
 
-formTrenner::formTrenner(SharedState& state, QWidget* parent) : QDialog(parent), m_state(state)
+formTrenner::formTrenner(SharedState& state, MessageFunction showMessage, QWidget* parent)
+    : QDialog(parent), m_state(state), m_showMessage(std::move(showMessage))
 {
     setWindowTitle(u"Trennzeichen wählen"_s);
     setFixedSize(459, 265);
@@ -129,7 +130,7 @@ void formTrenner::takeSeparator()
 {
     const QString marked = markedText(txtClipText);
     if (marked.isEmpty()) {
-        ShowMessage(msg::MarkOneChar, StyleInformation, this);
+        m_showMessage(msg::MarkOneChar, MessageStyle::Information);
         return;
     }
     m_chosen = firstCharacter(marked);
@@ -150,9 +151,9 @@ void formTrenner::continueWithSeparator()
     accept();
 }
 
-QString ChooseSeparator(SharedState& state, QWidget* parent)
+QString ChooseSeparator(SharedState& state, const MessageFunction& showMessage, QWidget* parent)
 {
-    formTrenner dialog(state, parent);
+    formTrenner dialog(state, showMessage, parent);
     dialog.exec();
     return state.ChosenSeparator;
 }

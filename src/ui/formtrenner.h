@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/seams.h"
 #include "analysis/session.h"
 
 #include <QDialog>
@@ -20,7 +21,7 @@ QString SeparatorPreview(const QString& clipboardText, const QString& separator)
 class formTrenner : public QDialog {
     Q_OBJECT
 public:
-    explicit formTrenner(SharedState& state, QWidget* parent = nullptr);
+    formTrenner(SharedState& state, MessageFunction showMessage, QWidget* parent = nullptr);
 
     // The chosen character; txtTrenner shows it, line breaks and tabs made visible.
     const QString& chosen() const { return m_chosen; }
@@ -39,10 +40,11 @@ private:
     void continueWithSeparator();
 
     SharedState& m_state;
+    MessageFunction m_showMessage;
     QString m_chosen;
 };
 
 // Opens the chooser modally and returns ChosenSeparator ("" when nothing was chosen).
-QString ChooseSeparator(SharedState& state, QWidget* parent);
+QString ChooseSeparator(SharedState& state, const MessageFunction& showMessage, QWidget* parent);
 
 } // namespace zf::ui

@@ -1,8 +1,7 @@
 #include "messages.h"
 
-#include "analysis/session.h"
-
 #include <QMessageBox>
+#include <QPointer>
 
 #include <memory>
 
@@ -10,50 +9,30 @@ using namespace Qt::StringLiterals;
 
 namespace zf::ui {
 
-namespace {
-
-int showMessageBox(QWidget* parent, const QString& text, int style)
+MessageFunction messageBoxes(QWidget* parent)
 {
-    const std::unique_ptr<QMessageBox> box(makeMessageBox(parent, text, style));
-    return answerCode(box->exec());
+    return [owner = QPointer<QWidget>(parent)](const QString& text, MessageStyle style) {
+        const std::unique_ptr<QMessageBox> box(makeMessageBox(owner, text, style));
+        return answerCode(box->exec());
+    };
 }
 
-MessageFunction& currentFunction()
-{
-    static MessageFunction function = showMessageBox;
-    return function;
-}
-
-} // namespace
-
-int ShowMessage(const QString& text, int style, QWidget* parent)
-{
-    return currentFunction()(parent, text, style);
-}
-
-MessageFunction setMessageFunction(MessageFunction function)
-{
-    MessageFunction previous = std::move(currentFunction());
-    currentFunction() = function ? std::move(function) : MessageFunction(showMessageBox);
-    return previous;
-}
-
-QMessageBox* makeMessageBox(QWidget* parent, const QString& text, int style)
+QMessageBox* makeMessageBox(QWidget* parent, const QString& text, MessageStyle style)
 {
     auto* box = new QMessageBox(parent);
     box->setWindowTitle(u"Zettelfischer"_s);
     box->setText(text);
     switch (style) {
-    case StyleQuestion:
+    case MessageStyle::Question:
         box->setIcon(QMessageBox::Question);
         box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
         box->setDefaultButton(QMessageBox::Yes);
         break;
-    case StyleInformation:
+    case MessageStyle::Information:
         box->setIcon(QMessageBox::Information);
         box->setStandardButtons(QMessageBox::Ok);
         break;
-    default:
+    case MessageStyle::Exclamation:
         box->setIcon(QMessageBox::Warning);
         box->setStandardButtons(QMessageBox::Ok);
         break;
@@ -61,15 +40,15 @@ QMessageBox* makeMessageBox(QWidget* parent, const QString& text, int style)
     return box;
 }
 
-int answerCode(int standardButton)
+MessageAnswer answerCode(int standardButton)
 {
     switch (standardButton) {
     case QMessageBox::Yes:
-        return AnswerYes;
+        return MessageAnswer::Yes;
     case QMessageBox::No:
-        return AnswerNo;
+        return MessageAnswer::No;
     default:
-        return AnswerOk;
+        return MessageAnswer::Ok;
     }
 }
 

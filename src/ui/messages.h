@@ -1,27 +1,30 @@
 #pragma once
 
-#include <QString>
+#include "analysis/seams.h"
 
-#include <functional>
+#include <QString>
 
 class QMessageBox;
 class QWidget;
 
 namespace zf::ui {
 
-// Shows a message and returns the code of the button that closed it (1 OK, 6 Yes, 7 No).
-using MessageFunction = std::function<int(QWidget* parent, const QString& text, int style)>;
+// The real message seam of the window: boxes titled "Zettelfischer", owned by parent.
+MessageFunction messageBoxes(QWidget* parent);
 
-// The one way the program shows a message box: title "Zettelfischer", style 36, 48 or 64.
-int ShowMessage(const QString& text, int style, QWidget* parent = nullptr);
-
-// Replaces what ShowMessage does (tests record instead of showing); an empty function
-// brings back the real message box. Returns the function that was in place.
-MessageFunction setMessageFunction(MessageFunction function);
-
-// The box ShowMessage would show, not yet shown; the caller owns it.
-QMessageBox* makeMessageBox(QWidget* parent, const QString& text, int style);
-// The platform's code of the button that closed a box.
-int answerCode(int standardButton);
+// The box a message of that style shows, not yet shown; the caller owns it.
+QMessageBox* makeMessageBox(QWidget* parent, const QString& text, MessageStyle style);
+// The answer for the standard button that closed a box.
+MessageAnswer answerCode(int standardButton);
 
 } // namespace zf::ui
+
+namespace zf::msg {
+inline const QString MarkOneChar =
+    QStringLiteral("Sie müssen vorher 1 Zeichen im unteren Fenster mit der Maus markieren.");
+inline const QString UpdateConfirm =
+    QStringLiteral("Nach dem Start des Online-Update Programms wird der Zettelfischer "
+                   "geschlossen. Trotzdem weiter?");
+inline const QString UpdateMissing = QStringLiteral("Update.exe nicht gefunden.");
+inline const QString UpdateFailed = QStringLiteral("Konnte Online-Update Programm nicht öffnen.");
+} // namespace zf::msg

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QString>
+#include "analysis/seams.h"
 
-class QWidget;
+#include <QString>
 
 namespace zf::ui {
 
@@ -13,6 +13,6 @@ inline constexpr char16_t UpdateProgramName[] = u"update.exe";
 
 // Asks, then starts the update program of that folder detached with the arguments "" and
 // "small". Started means the caller must end the program so the update can replace it.
-UpdateOutcome LaunchUpdate(const QString& programDir, QWidget* parent = nullptr);
+UpdateOutcome LaunchUpdate(const QString& programDir, const MessageFunction& showMessage);
 
 } // namespace zf::ui

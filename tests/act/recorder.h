@@ -27,7 +27,7 @@ struct Recorder {
     std::optional<bool> running = true;
     std::optional<bool> open = true;
     QMap<qint32, QString> fields; // id and label; the positions follow the ids
-    quint8 completionChoice = 2;
+    Completion completionChoice = Completion::Back;
 
     void automation(const QString& call)
     {
@@ -42,9 +42,9 @@ struct Recorder {
         h.setBusyCursor = [this](bool busy) { calls << QString("busy(%1)").arg(int(busy)); };
         h.setTopMost = [this](bool onTop) { calls << QString("topMost(%1)").arg(int(onTop)); };
         h.repaint = [this] { calls << "repaint"; };
-        h.showMessage = [this](const QString& text, int style) {
-            calls << QString("message(%1,%2)").arg(text).arg(style);
-            return 1;
+        h.showMessage = [this](const QString& text, MessageStyle style) {
+            calls << QString("message(%1,%2)").arg(text).arg(int(style));
+            return MessageAnswer::Ok;
         };
         h.showCompletionPrompt = [this](bool created) {
             calls << QString("prompt(%1)").arg(int(created));

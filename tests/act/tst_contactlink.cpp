@@ -51,12 +51,13 @@ private slots:
         QVERIFY(t.link.LastTransferCreated());
         // Later transfers reuse the objects of the first; only "leave" (1) ends the program, the
         // close box (0) goes back like "back" (2).
-        for (const quint8 choice : {1, 0}) {
+        for (const Completion choice : {Completion::Leave, Completion::None}) {
             t.r.completionChoice = choice;
             const QStringList again = t.transfer(false);
             QCOMPARE(again.filter(QRegularExpression("^(Create|Views|~)")), QStringList{});
-            QCOMPARE(again.mid(again.indexOf("prompt(0)")),
-                     (QStringList{"prompt(0)", choice == 1 ? "closeProgram" : "focus"}));
+            QCOMPARE(
+                again.mid(again.indexOf("prompt(0)")),
+                (QStringList{"prompt(0)", choice == Completion::Leave ? "closeProgram" : "focus"}));
             QCOMPARE(t.link.CompletionChoice(), choice);
         }
         QVERIFY(!t.link.LastTransferCreated());

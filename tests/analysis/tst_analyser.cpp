@@ -1,4 +1,5 @@
 #include "analysis/analyser.h"
+#include "analysis/messages.h"
 
 #include "rowview.h"
 
@@ -17,8 +18,9 @@ struct Run {
     Shown messages;
     int chooserOpened = 0;
     QString chooserAnswer;
-    Seams seams{[this](const QString& text, int style) {
-                    return messages.append({text, style}), 1;
+    Seams seams{[this](const QString& text, MessageStyle style) {
+                    messages.append({text, int(style)});
+                    return MessageAnswer::Ok;
                 },
                 [this] { return ++chooserOpened, chooserAnswer; }};
 

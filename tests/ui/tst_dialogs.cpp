@@ -55,11 +55,11 @@ private slots:
         SharedState state;
         state.ClipboardText = "a;b,c";
         state.ChosenSeparator = "#";
-        formTrenner d(state);
+        formTrenner d(state, log.function());
         QCOMPARE(state.ChosenSeparator, ""); // opening clears the last choice
 
         QTest::mouseClick(d.cmdTrennerNeu, Qt::LeftButton);
-        QCOMPARE(log.messages, QStringList{message(msg::MarkOneChar, StyleInformation)});
+        QCOMPARE(log.messages, QStringList{message(msg::MarkOneChar, MessageStyle::Information)});
         QCOMPARE(d.txtTrenner->text(), "");
 
         takeMarked(d, 1, 3); // several marked: the first counts
@@ -106,7 +106,7 @@ private slots:
             QCOMPARE(b->buttons().size(), style == 36 ? 2 : 1);
             QTest::mouseClick(b->button(click), Qt::LeftButton);
         });
-        QCOMPARE(ShowMessage("Text", style), answer);
+        QCOMPARE(int(messageBoxes(nullptr)("Text", MessageStyle(style))), answer);
     }
 
     void aboutBox()

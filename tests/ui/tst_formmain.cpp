@@ -3,6 +3,8 @@
 
 #include "uitest.h"
 
+#include "act/messages.h"
+#include "analysis/messages.h"
 #include "ui/formfertigabfrage.h"
 #include "ui/formmain.h"
 
@@ -27,7 +29,7 @@ namespace {
 const QString Signature = "Muster . GmbH\r\nHans Meier\nMusterweg 12 . \n80331 München\r\n";
 const QStringList SignatureRows{"Muster . GmbH=Firma", "Hans Meier=Kontakt", "Musterweg 12=Adresse",
                                 "80331=PLZ",           "München=Ort",        "Deutschland=Land"};
-const QString Empty = message(msg::ClipboardEmpty, StyleInformation);
+const QString Empty = message(msg::ClipboardEmpty, MessageStyle::Information);
 
 void setClipboard(const QString& text)
 {
@@ -59,7 +61,8 @@ struct Fixture {
         window = std::make_unique<formMain>(
             MainOptions{dir.filePath("zettelfischer.ini"), dir.path(),
                         act::makeContactBookFactory(bookUsable ? dir.filePath("kontakte.sqlite")
-                                                               : "/dev/null/kontakte.sqlite")});
+                                                               : "/dev/null/kontakte.sqlite"),
+                        log.function()});
         setClipboard(clipboard);
         window->show();
         if (!QTest::qWaitForWindowExposed(window.get()))
@@ -88,7 +91,8 @@ private slots:
             << "" << true << QByteArray() << QStringList{Empty} << QStringList{};
         QTest::newRow("text, no book")
             << Signature << false << QByteArray()
-            << QStringList{message(msg::FieldsNotLoaded, StyleExclamation)} << SignatureRows;
+            << QStringList{message(msg::FieldsNotLoaded, MessageStyle::Exclamation)}
+            << SignatureRows;
         QTest::newRow("settings, book")
             << "80331 München\r\n"
             << true << QByteArray("[Config]\r\nStandardLand5PLZ=Musterland\r\nCacheFelder=1\r\n")
@@ -238,14 +242,14 @@ private slots:
         QTest::addColumn<QString>("box");
 
         const QString twoLines = "Muster GmbH, Hans Meier . \r\nMusterweg 12";
-        const QStringList none, noSeparator{message(msg::NoSeparator, StyleExclamation)};
+        const QStringList none, noSeparator{message(msg::NoSeparator, MessageStyle::Exclamation)};
         QTest::newRow("button, comma")
             << true << "mark" << twoLines << none << "Muster GmbH\nHans Meier\nMusterweg 12\n";
         QTest::newRow("button, continue")
             << true << "continue" << twoLines << none << "Muster GmbH, Hans Meier\nMusterweg 12\n";
         QTest::newRow("button, blank box")
             << true << "none" << QString("   ")
-            << QStringList{message(msg::NoData, StyleExclamation)} << "";
+            << QStringList{message(msg::NoData, MessageStyle::Exclamation)} << "";
         QTest::newRow("analysis, comma") << false << "mark" << QString("Muster GmbH, Musterweg 12")
                                          << noSeparator << "Muster GmbH\nMusterweg 12\n";
         QTest::newRow("analysis, long line, continue")
@@ -341,8 +345,8 @@ private slots:
         QTest::addColumn<QStringList>("after"); // messages after the question
         QTest::addColumn<bool>("started");
 
-        const QStringList none, missing{message(msg::UpdateMissing, StyleExclamation)},
-            failed{message(msg::UpdateFailed, StyleExclamation)};
+        const QStringList none, missing{message(msg::UpdateMissing, MessageStyle::Exclamation)},
+            failed{message(msg::UpdateFailed, MessageStyle::Exclamation)};
         QTest::newRow("no") << false << "script" << none << false;
         QTest::newRow("folder") << true << "folder" << missing << false;
         QTest::newRow("not startable") << true << "plain" << failed << false;
@@ -358,7 +362,7 @@ private slots:
 
         Fixture f;
         formMain& w = f.started();
-        f.log.answers = {yes ? AnswerYes : AnswerNo};
+        f.log.answers = {yes ? MessageAnswer::Yes : MessageAnswer::No};
         // The script records its argument count and first two arguments next to itself.
         const QByteArray recorder = "#!/bin/sh\nprintf '%s|' \"$#\" \"$1\" \"$2\" > \"$0.args\"\n";
         QFile script(f.dir.filePath("update.exe"));
@@ -371,7 +375,8 @@ private slots:
             QVERIFY(script.setPermissions(script.permissions() | QFile::ExeOwner));
 
         QTest::mouseClick(w.cmdUpdate, Qt::LeftButton);
-        QCOMPARE(f.log.messages, QStringList{message(msg::UpdateConfirm, StyleQuestion)} + after);
+        QCOMPARE(f.log.messages,
+                 QStringList{message(msg::UpdateConfirm, MessageStyle::Question)} + after);
         QCOMPARE(w.isVisible(), !started);
         // The update program runs on its own; wait for what it recorded.
         const auto recorded = [&script] {

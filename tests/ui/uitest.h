@@ -14,23 +14,23 @@
 
 namespace zf::ui::test {
 
-inline QString message(const QString& text, int style)
+inline QString message(const QString& text, MessageStyle style)
 {
-    return QStringLiteral("%1|%2").arg(text).arg(style);
+    return QStringLiteral("%1|%2").arg(text).arg(int(style));
 }
 
-// Records every message as "text|style" and answers with the queued codes (OK when empty).
+// Records every message as "text|style" and answers with the queued answers (OK when empty).
 struct MessageLog {
     QStringList messages;
-    QList<int> answers;
-    MessageFunction previous = setMessageFunction([this](QWidget*, const QString& text, int style) {
-        messages << message(text, style);
-        return answers.isEmpty() ? 1 : answers.takeFirst();
-    });
+    QList<MessageAnswer> answers;
 
-    MessageLog() = default;
-    Q_DISABLE_COPY(MessageLog)
-    ~MessageLog() { setMessageFunction(std::move(previous)); }
+    MessageFunction function()
+    {
+        return [this](const QString& text, MessageStyle style) {
+            messages << message(text, style);
+            return answers.isEmpty() ? MessageAnswer::Ok : answers.takeFirst();
+        };
+    }
 };
 
 // Runs the action on the first modal dialog that opens (or with nullptr when the event loop
