@@ -18,9 +18,12 @@ AnalyseOptionSet::AnalyseOptionSet()
 {
 }
 
-QList<QCommandLineOption> AnalyseOptionSet::options() const
+QList<QCommandLineOption> AnalyseOptionSet::options(bool showTrace) const
 {
-    return {m_raw, m_separator, m_ini, m_file, m_trace};
+    QCommandLineOption trace = m_trace;
+    if (!showTrace)
+        trace.setFlags(QCommandLineOption::HiddenFromHelp);
+    return {m_raw, m_separator, m_ini, m_file, trace};
 }
 
 QString AnalyseOptionSet::read(const QCommandLineParser& parser, AnalyseOptions& o) const

@@ -9,7 +9,8 @@ namespace zf::cli {
 class AnalyseOptionSet {
 public:
     AnalyseOptionSet();
-    QList<QCommandLineOption> options() const;
+    // With showTrace false, --trace is taken but left out of the help (transfer prints no lines).
+    QList<QCommandLineOption> options(bool showTrace = true) const;
     // Fills options from a parse; returns an error text, or "" when they are fine.
     QString read(const QCommandLineParser& parser, AnalyseOptions& options) const;
 

@@ -115,7 +115,7 @@ QString Command::optionsSynopsis(const QStringList& leaveOut) const
     QStringList parts;
     for (const QCommandLineOption& option : m_options) {
         const QString name = longName(option);
-        if (leaveOut.contains(name))
+        if (leaveOut.contains(name) || option.flags() & QCommandLineOption::HiddenFromHelp)
             continue;
         parts.append(option.valueName().isEmpty() ? u"[%1]"_s.arg(name)
                                                   : u"[%1 %2]"_s.arg(name, option.valueName()));

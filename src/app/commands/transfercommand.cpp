@@ -17,7 +17,7 @@ TransferCommand::TransferCommand()
         u"Analyses the input like analyse and files the rows as a new contact (--new) or\n"
         u"into the current contact (--edit); prints what it did as JSON."_s);
     addOptions({m_new, m_edit, m_contacts});
-    addOptions(m_options.options());
+    addOptions(m_options.options(false));
 }
 
 QString TransferCommand::synopsis() const
