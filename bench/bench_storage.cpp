@@ -49,7 +49,7 @@ void BM_TransferSixteenRows(benchmark::State& state)
         ++failures;
         return MessageAnswer::Ok;
     };
-    hooks.showCompletionPrompt = [](bool) { return Completion::Back; };
+    hooks.showCompletionPrompt = [](bool) { return act::Completion::Back; };
     hooks.focusMainWindow = [] {};
     hooks.closeProgram = [] {};
     Session session;

@@ -1,7 +1,8 @@
 // Any field values: the export must stay one well-formed card of folded UTF-8 lines.
 //
-// Input: records behind 0x01 bytes, each a field byte, then label and value divided by a NUL
-// byte. Field bytes 'A' to 'T' pick one of the twenty standard fields, others any other id.
+// Input: records behind 0x01 bytes, each a field byte, then label and value divided by the
+// first NUL byte (later ones belong to the value). Field bytes 'A' to 'T' pick one of the
+// twenty standard fields, others any other id.
 
 #include "act/vcard.h"
 #include "analysis/fields.h"
@@ -36,9 +37,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     for (const QByteArray& record : all.split('\x01')) {
         if (record.isEmpty())
             continue;
-        const QList<QByteArray> parts = record.mid(1).split('\0');
-        const BookValue v{fieldId(uint8_t(record[0])), QString::fromUtf8(parts.value(0)),
-                          QString::fromUtf8(parts.value(1))};
+        const QByteArray body = record.mid(1);
+        const qsizetype split = body.indexOf('\0');
+        const BookValue v{fieldId(uint8_t(record[0])),
+                          QString::fromUtf8(split < 0 ? body : body.left(split)),
+                          split < 0 ? QString() : QString::fromUtf8(body.mid(split + 1))};
         extraLines += !v.value.isEmpty() && !isStandard(v.fieldId);
         values.append(v);
     }
@@ -47,8 +50,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     require(card.startsWith("BEGIN:VCARD\r\nVERSION:4.0\r\nFN:"));
     require(card.endsWith("\r\nEND:VCARD\r\n"));
     require(QString::fromUtf8(card).toUtf8() == card); // no character cut by the folding
-    // Line breaks only as CRLF; every physical line holds at most 75 octets.
+    // Line breaks only as CRLF and no other control character; every physical line holds at
+    // most 75 octets.
     require(card.count('\r') == card.count('\n') && card.count("\r\n") == card.count('\n'));
+    for (const char c : card)
+        require(c == '\r' || c == '\n' || (uchar(c) >= 0x20 && uchar(c) != 0x7F));
+    for (const QChar c : QString::fromUtf8(card))
+        require(c.unicode() < 0x80 || c.unicode() > 0x9F);
     for (const QByteArray& line : card.split('\n'))
         require(line.size() <= 76); // 75 octets and the CR
 

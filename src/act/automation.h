@@ -29,12 +29,19 @@ public:
     virtual ~AutomationObject() = default;
 };
 
+// A transfer is AddNewContact (when creating), the SetField calls, then EndTransfer. The view
+// keeps the contact it made or was given for the whole transfer; what the SetField calls
+// stored lasts only once EndTransfer returns: a book may collect them and write them at that
+// call. A transfer that ends without it (a failed call, the view released) leaves the book
+// as it was, as far as the book can undo.
 class ContactViewObject : public AutomationObject {
 public:
     // A new, empty contact becomes the view's current contact.
     virtual void AddNewContact() = 0;
     // Stores the value in that field of the view's current contact.
     virtual void SetField(qint32 fieldId, const QString& value) = 0;
+    // Ends the transfer: its contact, with every value, is stored and becomes the one shown.
+    virtual void EndTransfer() = 0;
 };
 
 class ViewsObject : public AutomationObject {

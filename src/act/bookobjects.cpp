@@ -4,6 +4,7 @@
 #include "contactlink.h"
 
 #include <limits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -23,50 +24,99 @@ template <typename F> auto guarded(F&& f)
 
 using BookPtr = std::shared_ptr<ContactBook>;
 
+// Collects a transfer's values and writes them in one transaction at its end, so that a
+// transfer failed or killed half-way leaves no trace, and one running at the same time in
+// another program never writes into this one's contact.
 class BookContactView : public ContactViewObject {
 public:
-    explicit BookContactView(BookPtr book) : m_book(std::move(book)) {}
-    void AddNewContact() override
+    BookContactView(BookPtr book, TransferWritten written)
+        : m_book(std::move(book)), m_written(std::move(written))
     {
-        guarded([&] { return m_book->addContact(); });
     }
-    // Writes into the book's current contact, so that a contact chosen elsewhere (on the
-    // command line) is the one that "Bearbeiten" overwrites.
+    void AddNewContact() override { m_transfer = Transfer{}; }
+    // Without AddNewContact the transfer edits the book's current contact, taken once at its
+    // first write: a contact chosen elsewhere (on the command line) is the one "Bearbeiten"
+    // overwrites, and a later change of that choice does not redirect this transfer.
     void SetField(qint32 fieldId, const QString& value) override
     {
-        guarded([&] {
-            const std::optional<qint64> current = m_book->currentContact();
-            if (!current)
-                throw BookError(BookError::NotFound, u"the contact book has no current contact"_s);
-            m_book->setField(*current, fieldId, value);
+        failing([&] {
+            if (!m_transfer) {
+                const std::optional<qint64> current = m_book->currentContact();
+                if (!current || !m_book->hasContact(*current))
+                    throw BookError(BookError::NotFound,
+                                    u"the contact book has no current contact"_s);
+                m_transfer = Transfer{current, {}};
+            }
+            if (!m_book->fieldLabel(fieldId))
+                throw BookError(BookError::NotFound,
+                                u"the contact book has no field %1"_s.arg(fieldId));
+            m_transfer->values.append({fieldId, value});
+        });
+    }
+    void EndTransfer() override
+    {
+        if (!m_transfer) // an edit that wrote nothing
+            return;
+        failing([&] {
+            const Transfer transfer = *std::exchange(m_transfer, std::nullopt);
+            const qint64 id = m_book->writeContact(transfer.contact, transfer.values);
+            if (m_written)
+                m_written(id);
         });
     }
 
 private:
+    struct Transfer {
+        std::optional<qint64> contact; // empty: a new one
+        QList<FieldValue> values;
+    };
+    // A failed call ends the transfer: its values are dropped, the next call starts afresh.
+    template <typename F> void failing(F&& f)
+    {
+        try {
+            guarded(std::forward<F>(f));
+        } catch (...) {
+            m_transfer.reset();
+            throw;
+        }
+    }
     BookPtr m_book;
+    TransferWritten m_written;
+    std::optional<Transfer> m_transfer;
 };
 
 class BookViews : public ViewsObject {
 public:
-    explicit BookViews(BookPtr book) : m_book(std::move(book)) {}
+    BookViews(BookPtr book, TransferWritten written)
+        : m_book(std::move(book)), m_written(std::move(written))
+    {
+    }
     std::shared_ptr<ContactViewObject> Create(qint16 viewType, const QString& viewName) override
     {
         if (viewType != ContactViewType || viewName != ContactViewName)
             throw ActError(u"no view %1 \"%2\""_s.arg(viewType).arg(viewName));
-        return std::make_shared<BookContactView>(m_book);
+        return std::make_shared<BookContactView>(m_book, m_written);
     }
 
 private:
     BookPtr m_book;
+    TransferWritten m_written;
 };
 
 class BookApplication : public ApplicationObject {
 public:
-    explicit BookApplication(BookPtr book) : m_book(std::move(book)) {}
-    std::shared_ptr<ViewsObject> Views() override { return std::make_shared<BookViews>(m_book); }
+    BookApplication(BookPtr book, TransferWritten written)
+        : m_book(std::move(book)), m_written(std::move(written))
+    {
+    }
+    std::shared_ptr<ViewsObject> Views() override
+    {
+        return std::make_shared<BookViews>(m_book, m_written);
+    }
 
 private:
     BookPtr m_book;
+    TransferWritten m_written;
 };
 
 class BookFields : public FieldsObject {
@@ -113,7 +163,8 @@ public:
     void OpenEx(const QString& path) override
     {
         const QString file = path.isEmpty() ? m_configuredPath : path;
-        m_book = guarded([&] { return std::make_shared<ContactBook>(file); });
+        m_book =
+            guarded([&] { return std::make_shared<ContactBook>(file, ContactBook::Access::Read); });
     }
     std::optional<bool> IsOpen() override { return m_book != nullptr; }
     std::shared_ptr<ContactObject> Contact() override
@@ -135,7 +186,7 @@ public:
     std::optional<bool> IsActRunning() override
     {
         try {
-            ContactBook book(m_path);
+            ContactBook book(m_path, ContactBook::Access::Read);
             return true;
         } catch (const BookError&) {
             return false;
@@ -148,12 +199,16 @@ private:
 
 class BookFactory : public ObjectFactory {
 public:
-    explicit BookFactory(QString path) : m_path(std::move(path)), m_events(m_path) {}
+    BookFactory(QString path, TransferWritten written)
+        : m_path(std::move(path)), m_written(std::move(written)), m_events(m_path)
+    {
+    }
     std::shared_ptr<AutomationObject> CreateObject(const QString& progId) override
     {
         if (progId == ProgIdApplication)
             return guarded([&] {
-                return std::make_shared<BookApplication>(std::make_shared<ContactBook>(m_path));
+                return std::make_shared<BookApplication>(std::make_shared<ContactBook>(m_path),
+                                                         m_written);
             });
         if (progId == ProgIdDatabase)
             return std::make_shared<BookDatabase>(m_path);
@@ -163,14 +218,16 @@ public:
 
 private:
     QString m_path;
+    TransferWritten m_written;
     BookEvents m_events;
 };
 
 } // namespace
 
-std::shared_ptr<ObjectFactory> makeContactBookFactory(const QString& bookPath)
+std::shared_ptr<ObjectFactory> makeContactBookFactory(const QString& bookPath,
+                                                      TransferWritten written)
 {
-    return std::make_shared<BookFactory>(bookPath);
+    return std::make_shared<BookFactory>(bookPath, std::move(written));
 }
 
 } // namespace zf::act

@@ -9,6 +9,8 @@
 #include <functional>
 
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -135,20 +137,27 @@ private:
 
 } // namespace
 
-ContactBook::ContactBook(const QString& path) : m_path(path)
+ContactBook::ContactBook(const QString& path, Access access) : m_path(path)
 {
     if (path.isEmpty())
         throw BookError(BookError::CannotOpen, u"no contact book file given"_s);
-    const QFileInfo info(path);
-    const bool exists = info.exists();
-    if (exists && !info.isFile())
+    const QByteArray native = QFile::encodeName(path);
+    struct stat st {};
+    const bool exists = ::stat(native.constData(), &st) == 0;
+    if (exists && !S_ISREG(st.st_mode))
         throw BookError(BookError::NotABook,
                         u"'%1' is not a contact book (not a file)"_s.arg(path));
-    if (!exists && !QDir().mkpath(info.absolutePath()))
+    // The superuser may write anywhere; a file without any write permission is still meant
+    // to stay as it is, so the mode bits decide, not only what SQLite is allowed.
+    if (exists && ((st.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0 ||
+                   ::access(native.constData(), W_OK) != 0))
+        throw BookError(BookError::ReadOnly,
+                        u"the contact book '%1' is read-only (no write permission)"_s.arg(path));
+    if (!exists && !QDir().mkpath(QFileInfo(path).absolutePath()))
         throw BookError(BookError::CannotOpen,
                         u"cannot create the folder of the contact book '%1'"_s.arg(path));
     const int flags = SQLITE_OPEN_READWRITE | (exists ? 0 : SQLITE_OPEN_CREATE);
-    const int rc = sqlite3_open_v2(QFile::encodeName(path).constData(), &m_db, flags, nullptr);
+    const int rc = sqlite3_open_v2(native.constData(), &m_db, flags, nullptr);
     if (rc != SQLITE_OK) {
         const QString reason = m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : QString();
         sqlite3_close(m_db);
@@ -164,9 +173,15 @@ ContactBook::ContactBook(const QString& path) : m_path(path)
         // A write-protected file is opened read-only without a word; refuse it here.
         if (sqlite3_db_readonly(m_db, "main") == 1)
             throw BookError(BookError::ReadOnly, u"the contact book '%1' is read-only"_s.arg(path));
-        checkFormat();
-        // WAL lets a reader and a writer work at once; FULL makes every commit durable.
-        exec("PRAGMA journal_mode=WAL");
+        // Recognised first: nothing is changed in a file that is not ours.
+        const bool created = checkFormat();
+        if (access == Access::Write) {
+            checkIntegrity();
+            useWal();
+        } else if (created) {
+            useWal();
+        }
+        // FULL makes every commit durable.
         exec("PRAGMA synchronous=FULL");
         exec("PRAGMA foreign_keys=ON");
     } catch (...) {
@@ -217,39 +232,48 @@ void ContactBook::fail(int rc, const QString& doing)
     }
 }
 
-void ContactBook::checkFormat()
+bool ContactBook::checkFormat()
 {
-    for (int attempt = 0;; ++attempt) {
-        Statement appId(*this, "PRAGMA application_id");
-        appId.step();
-        Statement version(*this, "PRAGMA user_version");
-        version.step();
-        Statement objects(*this, "SELECT count(*) FROM sqlite_schema");
-        objects.step();
-        const qint64 id = appId.integer(0);
-        const qint64 schema = version.integer(0);
+    bool attempted = false;
+    bool created = false;
+    for (;;) {
+        qint64 id = 0;
+        qint64 schema = 0;
+        qint64 objects = 0;
+        {
+            // One read transaction, ended before anything is written: a connection that still
+            // reads cannot wait for the write lock, it fails at once instead.
+            Statement query(*this, "SELECT (SELECT application_id FROM pragma_application_id), "
+                                   "(SELECT user_version FROM pragma_user_version), "
+                                   "(SELECT count(*) FROM sqlite_schema)");
+            query.step();
+            id = query.integer(0);
+            schema = query.integer(1);
+            objects = query.integer(2);
+        }
         if (id == ApplicationId) {
             if (schema > SchemaVersion)
-                throw BookError(BookError::NewerVersion,
-                                u"the contact book '%1' was written by a newer version "
-                                u"(schema %2, this program knows %3)"_s.arg(m_path)
-                                    .arg(schema)
-                                    .arg(SchemaVersion));
+                throw BookError(
+                    BookError::NewerVersion,
+                    u"the contact book '%1' was written by a newer version "
+                    u"(schema %2, this program knows %3)"_s.arg(m_path, QString::number(schema),
+                                                                QString::number(SchemaVersion)));
             if (schema < 1)
                 throw BookError(BookError::Damaged,
                                 u"the contact book '%1' has no schema version"_s.arg(m_path));
             // Migrations of older schema versions go here.
-            return;
+            return created;
         }
-        if (id == 0 && schema == 0 && objects.integer(0) == 0 && attempt == 0) {
-            createSchema();
+        if (id == 0 && schema == 0 && objects == 0 && !attempted) {
+            attempted = true;
+            created = createSchema();
             continue;
         }
         throw BookError(BookError::NotABook, u"'%1' is not a contact book"_s.arg(m_path));
     }
 }
 
-void ContactBook::createSchema()
+bool ContactBook::createSchema()
 {
     Transaction transaction([this](const char* sql) { exec(sql); });
     {
@@ -258,7 +282,7 @@ void ContactBook::createSchema()
         objects.step();
         if (objects.integer(0) != 0) {
             transaction.commit();
-            return;
+            return false;
         }
     }
     exec(SchemaSql);
@@ -269,13 +293,57 @@ void ContactBook::createSchema()
     exec(QByteArray("PRAGMA application_id = " + QByteArray::number(ApplicationId)).constData());
     exec(QByteArray("PRAGMA user_version = " + QByteArray::number(SchemaVersion)).constData());
     transaction.commit();
+    return true;
+}
+
+void ContactBook::checkIntegrity()
+{
+    QStringList problems;
+    {
+        Statement check(*this, "PRAGMA quick_check");
+        while (check.step())
+            problems.append(check.text(0));
+    }
+    if (problems != QStringList{u"ok"_s})
+        throw BookError(BookError::Damaged, u"the contact book '%1' is damaged: %2"_s.arg(
+                                                m_path, problems.join(u"; "_s)));
+}
+
+void ContactBook::useWal()
+{
+    // WAL lets a reader and a writer work at once.
+    {
+        Statement mode(*this, "PRAGMA journal_mode");
+        if (mode.step() && mode.text(0) == u"wal"_s)
+            return;
+    }
+    Statement mode(*this, "PRAGMA journal_mode=WAL");
+    if (!mode.step() || mode.text(0) != u"wal"_s)
+        throw BookError(BookError::Busy,
+                        u"the contact book '%1' is locked by another program"_s.arg(m_path));
 }
 
 qint64 ContactBook::addContact()
 {
+    return writeContact(std::nullopt, {});
+}
+
+qint64 ContactBook::writeContact(std::optional<qint64> contactId, const QList<FieldValue>& values)
+{
     Transaction transaction([this](const char* sql) { exec(sql); });
-    Statement(*this, "INSERT INTO contacts DEFAULT VALUES").run();
-    const qint64 id = sqlite3_last_insert_rowid(m_db);
+    qint64 id = 0;
+    if (contactId) {
+        if (!hasContact(*contactId))
+            throw BookError(BookError::NotFound, u"there is no contact %1"_s.arg(*contactId));
+        id = *contactId;
+    } else {
+        Statement(*this, "INSERT INTO contacts DEFAULT VALUES").run();
+        id = sqlite3_last_insert_rowid(m_db);
+    }
+    for (const FieldValue& v : values)
+        storeValue(id, v.fieldId, v.value);
+    if (contactId && !values.isEmpty())
+        touch(id);
     Statement(*this, "INSERT OR REPLACE INTO state (key, value) VALUES ('current_contact', ?)")
         .bind(1, id)
         .run();
@@ -288,6 +356,21 @@ void ContactBook::setField(qint64 contactId, qint32 fieldId, const QString& valu
     Transaction transaction([this](const char* sql) { exec(sql); });
     if (!hasContact(contactId))
         throw BookError(BookError::NotFound, u"there is no contact %1"_s.arg(contactId));
+    storeValue(contactId, fieldId, value);
+    touch(contactId);
+    transaction.commit();
+}
+
+void ContactBook::touch(qint64 contactId)
+{
+    Statement(*this, "UPDATE contacts SET modified = strftime('%Y-%m-%dT%H:%M:%SZ', 'now') "
+                     "WHERE id = ?")
+        .bind(1, contactId)
+        .run();
+}
+
+void ContactBook::storeValue(qint64 contactId, qint32 fieldId, const QString& value)
+{
     if (!fieldLabel(fieldId))
         throw BookError(BookError::NotFound, u"the contact book has no field %1"_s.arg(fieldId));
     Statement(*this, "INSERT INTO contact_values (contact_id, field_id, value) VALUES (?, ?, ?) "
@@ -296,11 +379,6 @@ void ContactBook::setField(qint64 contactId, qint32 fieldId, const QString& valu
         .bind(2, fieldId)
         .bind(3, value)
         .run();
-    Statement(*this, "UPDATE contacts SET modified = strftime('%Y-%m-%dT%H:%M:%SZ', 'now') "
-                     "WHERE id = ?")
-        .bind(1, contactId)
-        .run();
-    transaction.commit();
 }
 
 std::optional<qint64> ContactBook::currentContact()

@@ -38,17 +38,28 @@ struct BookValue {
     friend bool operator==(const BookValue&, const BookValue&) = default;
 };
 
+// A field id and the text for it, as one transfer writes them.
+struct FieldValue {
+    qint32 fieldId = 0;
+    QString value;
+};
+
 // The embedded contact book: one SQLite file holding contacts as field id -> text, the
 // book's field definitions and the current contact. A missing file is created with its
-// schema; anything else that is not a book of a known schema version is refused untouched.
-// Every write is its own synchronous transaction, so it is on disk when the call returns,
-// and other programs may use the same file at the same time.
+// schema; anything else that is not a book of a known schema version is refused untouched,
+// and so is a book opened for writing that has no write permission (whoever runs the
+// program) or fails the quick integrity check. Every write is its own synchronous
+// transaction, so it is on disk when the call returns, and other programs may use the same
+// file at the same time.
 class ContactBook {
 public:
     static constexpr int SchemaVersion = 1;
     static constexpr qint32 ApplicationId = 0x5A464B42; // marks the file as ours
 
-    explicit ContactBook(const QString& path);
+    // Reading never changes an existing book, not even its journal mode.
+    enum class Access { Read, Write };
+
+    explicit ContactBook(const QString& path, Access access = Access::Write);
     ~ContactBook();
     ContactBook(const ContactBook&) = delete;
     ContactBook& operator=(const ContactBook&) = delete;
@@ -57,6 +68,10 @@ public:
 
     // Adds an empty contact and makes it the current one; returns its id.
     qint64 addContact();
+    // One transaction: the values in order (a later value of the same field wins) into the
+    // contact, or into a new one when there is no id; then that contact becomes the current
+    // one. Returns its id. Either all of it is written or nothing.
+    qint64 writeContact(std::optional<qint64> contactId, const QList<FieldValue>& values);
     void setField(qint64 contactId, qint32 fieldId, const QString& value);
     std::optional<qint64> currentContact();
     void setCurrentContact(qint64 contactId);
@@ -77,8 +92,13 @@ private:
     friend class Statement;
     void exec(const char* sql);
     [[noreturn]] void fail(int rc, const QString& doing);
-    void checkFormat();
-    void createSchema();
+    // True when this connection created the schema.
+    bool checkFormat();
+    bool createSchema();
+    void checkIntegrity();
+    void useWal();
+    void touch(qint64 contactId);
+    void storeValue(qint64 contactId, qint32 fieldId, const QString& value);
 
     QString m_path;
     sqlite3* m_db = nullptr;

@@ -94,6 +94,7 @@ void ContactLink::TransferContact(bool create, Session& session, const WindowHoo
                 if (extra.ID != -1)
                     o.contactView->SetField(extra.ID, extra.Wert);
         }
+        o.contactView->EndTransfer();
     } catch (const std::exception& e) {
         m_lastError = QString::fromStdString(e.what());
         call(hooks.setBusyCursor, false);

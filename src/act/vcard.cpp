@@ -5,29 +5,53 @@
 #include <QMap>
 #include <QStringList>
 
+#include <algorithm>
+#include <iterator>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::act {
 
 namespace {
 
-// Short names for the fields the card is built from.
-constexpr qint32 Firma = idOf(FieldId::Firma), Abteilung = idOf(FieldId::Abteilung),
-                 Anrede = idOf(FieldId::Anrede), Kontakt = idOf(FieldId::Kontakt),
-                 Nachname = idOf(FieldId::Nachname), Vorname = idOf(FieldId::Vorname),
-                 Adresse = idOf(FieldId::Adresse), Plz = idOf(FieldId::Plz),
-                 Ort = idOf(FieldId::Ort), Land = idOf(FieldId::Land),
-                 Telefon = idOf(FieldId::Telefon), Fax = idOf(FieldId::Fax),
-                 Mobil = idOf(FieldId::Mobil), EMail = idOf(FieldId::EMail),
-                 Website = idOf(FieldId::Website), Titel = idOf(FieldId::Titel),
-                 Adresse2 = idOf(FieldId::Adresse2), Adresse3 = idOf(FieldId::Adresse3),
-                 Telefon2 = idOf(FieldId::Telefon2), Telefon3 = idOf(FieldId::Telefon3);
+// The card's properties in the order it lists them (FN comes first, on its own); for a
+// structured property the number of components, 0 for "as many as are filled", -1 for a plain
+// property with one line per field. The fields come from the standard field table.
+struct Property {
+    std::u16string_view name;
+    int components;
+};
+constexpr Property CardOrder[] = {
+    {u"N", 5}, {u"ORG", 0}, {u"TITLE", -1}, {u"ADR", 7}, {u"TEL", -1}, {u"EMAIL", -1}, {u"URL", -1},
+};
+// TEL lines by type, then in the table's order.
+constexpr std::u16string_view TelTypeOrder[] = {u"voice", u"cell", u"fax"};
+// A URI value: no text escapes, only line breaks are kept visible.
+constexpr std::u16string_view UriProperty = u"URL";
 
-QString normaliseBreaks(const QString& value)
+QString toString(std::u16string_view text)
 {
-    QString out = value;
-    out.replace(u"\r\n"_s, u"\n"_s);
-    out.replace(u'\r', u'\n');
+    return QString::fromUtf16(text.data(), qsizetype(text.size()));
+}
+
+// Line breaks (CRLF, LF, CR) become one LF and a tab a space; every other control character
+// (C0, DEL, C1) is dropped: the card holds no control character but its own CRLFs.
+QString cleaned(const QString& value)
+{
+    QString out;
+    out.reserve(value.size());
+    for (qsizetype i = 0; i < value.size(); ++i) {
+        const char16_t c = value[i].unicode();
+        if (c == u'\r') {
+            out += u'\n';
+            if (i + 1 < value.size() && value[i + 1] == u'\n')
+                ++i;
+        } else if (c == u'\t') {
+            out += u' ';
+        } else if (c == u'\n' || (c >= 0x20 && c < 0x7F) || c > 0x9F) {
+            out += value[i];
+        }
+    }
     return out;
 }
 
@@ -35,7 +59,7 @@ QString escape(const QString& value, bool component)
 {
     QString out;
     out.reserve(value.size());
-    for (const QChar c : normaliseBreaks(value)) {
+    for (const QChar c : cleaned(value)) {
         if (c == u'\\' || c == u',' || (component && c == u';')) {
             out += u'\\';
             out += c;
@@ -46,6 +70,17 @@ QString escape(const QString& value, bool component)
         }
     }
     return out;
+}
+
+QString escapeUri(const QString& value)
+{
+    return cleaned(value).replace(u'\n', u"\\n"_s);
+}
+
+int telRank(std::u16string_view type)
+{
+    const auto* it = std::find(std::begin(TelTypeOrder), std::end(TelTypeOrder), type);
+    return int(it - std::begin(TelTypeOrder));
 }
 
 bool isContinuationByte(char byte)
@@ -68,7 +103,7 @@ QString escapeVCardComponent(const QString& value)
 QString quoteVCardParameter(const QString& value)
 {
     QString out = u"\""_s;
-    for (const QChar c : normaliseBreaks(value)) {
+    for (const QChar c : cleaned(value)) {
         if (c == u'^')
             out += u"^^"_s;
         else if (c == u'"')
@@ -108,50 +143,57 @@ QByteArray contactToVCard(const QList<BookValue>& values)
     for (const BookValue& v : values)
         if (!v.value.isEmpty())
             byId.insert(v.fieldId, v.value);
-    const auto has = [&](qint32 id) { return byId.contains(id); };
-    const auto value = [&](qint32 id) { return byId.value(id); };
-    const auto component = [&](qint32 id) { return escapeVCardComponent(value(id)); };
+    const auto value = [&](FieldId id) { return byId.value(idOf(id)); };
 
     QByteArray card;
     const auto add = [&card](const QString& line) { card += foldVCardLine(line); };
     add(u"BEGIN:VCARD"_s);
     add(u"VERSION:4.0"_s);
 
-    QString fullName = value(Kontakt);
+    QString fullName;
+    for (const StandardField& f : StandardFields)
+        if (f.vcard.property == u"FN")
+            fullName = value(f.id);
     if (fullName.isEmpty())
-        fullName = QStringList{value(Vorname), value(Nachname)}.join(u' ').trimmed();
+        fullName =
+            QStringList{value(FieldId::Vorname), value(FieldId::Nachname)}.join(u' ').trimmed();
     if (fullName.isEmpty())
-        fullName = value(Firma);
+        fullName = value(FieldId::Firma);
     add(u"FN:"_s + escapeVCardText(fullName));
-    if (has(Nachname) || has(Vorname) || has(Anrede))
-        add(u"N:%1;%2;;%3;"_s.arg(component(Nachname), component(Vorname), component(Anrede)));
-    if (has(Firma) || has(Abteilung)) {
-        QString org = u"ORG:"_s + component(Firma);
-        if (has(Abteilung))
-            org += u';' + component(Abteilung);
-        add(org);
+
+    for (const Property& property : CardOrder) {
+        QList<const StandardField*> filled;
+        for (const StandardField& f : StandardFields)
+            if (f.vcard.property == property.name && byId.contains(idOf(f.id)))
+                filled.append(&f);
+        if (filled.isEmpty())
+            continue;
+        const QString name = toString(property.name);
+        if (property.components >= 0) {
+            QList<QStringList> components(property.components);
+            for (const StandardField* f : filled) {
+                if (f->vcard.component >= components.size())
+                    components.resize(f->vcard.component + 1);
+                components[f->vcard.component].append(escapeVCardComponent(value(f->id)));
+            }
+            QStringList parts;
+            for (const QStringList& c : components)
+                parts.append(c.join(u','));
+            add(name + u':' + parts.join(u';'));
+            continue;
+        }
+        std::stable_sort(filled.begin(), filled.end(), [](const auto* a, const auto* b) {
+            return telRank(a->vcard.type) < telRank(b->vcard.type);
+        });
+        for (const StandardField* f : filled) {
+            QString line = name;
+            if (!f->vcard.type.empty())
+                line += u";TYPE="_s + toString(f->vcard.type);
+            const QString v = value(f->id);
+            add(line + u':' + (property.name == UriProperty ? escapeUri(v) : escapeVCardText(v)));
+        }
     }
-    if (has(Titel))
-        add(u"TITLE:"_s + escapeVCardText(value(Titel)));
-    if (has(Adresse) || has(Adresse2) || has(Adresse3) || has(Ort) || has(Plz) || has(Land)) {
-        QStringList street;
-        for (const qint32 id : {Adresse, Adresse2, Adresse3})
-            if (has(id))
-                street.append(component(id));
-        add(u"ADR:;;%1;%2;;%3;%4"_s.arg(street.join(u','), component(Ort), component(Plz),
-                                        component(Land)));
-    }
-    const std::pair<qint32, const char16_t*> phones[] = {
-        {Telefon, u"voice"}, {Telefon2, u"voice"}, {Telefon3, u"voice"},
-        {Mobil, u"cell"},    {Fax, u"fax"},
-    };
-    for (const auto& [id, type] : phones)
-        if (has(id))
-            add(u"TEL;TYPE=%1:%2"_s.arg(QString::fromUtf16(type), escapeVCardText(value(id))));
-    if (has(EMail))
-        add(u"EMAIL:"_s + escapeVCardText(value(EMail)));
-    if (has(Website))
-        add(u"URL:"_s + normaliseBreaks(value(Website)).remove(u'\n')); // a URI: no escapes
+
     for (const BookValue& v : values) {
         if (v.value.isEmpty() || standardField(v.fieldId))
             continue;

@@ -12,6 +12,7 @@
 
 #include <cstdio>
 #include <limits>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace zf;
@@ -104,7 +105,8 @@ qint64 chosenContact(ContactBook& book, const QStringList& args)
 
 int contactsCommand(const QString& command, const QStringList& args, const QString& path)
 {
-    ContactBook book(path);
+    const bool writes = command == u"add-field"_s || (command == u"current"_s && !args.isEmpty());
+    ContactBook book(path, writes ? ContactBook::Access::Write : ContactBook::Access::Read);
     if (command == u"list"_s) {
         const std::optional<qint64> current = book.currentContact();
         for (const qint64 id : book.contactIds())
@@ -162,7 +164,10 @@ int runTransfer(bool create, const QString& file, const AnalyseOptions& options)
     if (const QString e = analyseInput(options, run); !e.isEmpty())
         return usageError(e);
 
-    ContactLink link(makeContactBookFactory(path));
+    // The contact this transfer wrote: the book's current contact may already be another
+    // program's by the time the answer is printed.
+    std::optional<qint64> written;
+    ContactLink link(makeContactBookFactory(path, [&written](qint64 id) { written = id; }));
     QJsonArray messages;
     bool prompted = false;
     WindowHooks hooks;
@@ -180,9 +185,12 @@ int runTransfer(bool create, const QString& file, const AnalyseOptions& options)
         {u"analysis"_s, analysisToJson(run, false)},
     };
     try {
-        ContactBook book(path);
-        if (prompted)
-            out.insert(u"contact"_s, contactToJson(book, chosenContact(book, {})));
+        if (prompted) {
+            ContactBook book(path, ContactBook::Access::Read);
+            // An edit without a single field wrote nothing: it addressed the current contact.
+            out.insert(u"contact"_s,
+                       contactToJson(book, written ? *written : chosenContact(book, {})));
+        }
     } catch (const BookError& e) {
         return failure(e.message());
     }

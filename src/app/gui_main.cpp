@@ -80,8 +80,9 @@ int main(int argc, char** argv)
     QApplication::setWindowIcon(QIcon(u":/icons/app.svg"_s));
 
     const QString book = zf::act::contactBookPath(args.contactsFile);
-    zf::ui::formMain window({zf::settingsFilePath(), QApplication::applicationDirPath(),
-                             zf::act::makeContactBookFactory(book)});
+    zf::ui::formMain window({.iniPath = zf::settingsFilePath(),
+                             .programDir = QApplication::applicationDirPath(),
+                             .contacts = zf::act::makeContactBookFactory(book)});
     window.show();
     window.StartUp();
     return QApplication::exec();

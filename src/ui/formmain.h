@@ -22,7 +22,7 @@ struct MainOptions {
     QString iniPath;    // the settings file
     QString programDir; // where the update program lies
     std::shared_ptr<act::ObjectFactory> contacts;
-    MessageFunction showMessage; // empty: message boxes on this window
+    MessageFunction showMessage = {}; // empty: message boxes on this window
 };
 
 // The main window: sixteen field rows bound to the session's rows, the clipboard box and the

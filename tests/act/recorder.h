@@ -89,6 +89,7 @@ public:
         return made(QString("Create(%1,%2)").arg(type).arg(name), "ContactView");
     }
     void AddNewContact() override { r.automation("AddNewContact()"); }
+    void EndTransfer() override { r.automation("EndTransfer()"); }
     void SetField(qint32 id, const QString& value) override
     {
         r.automation(QString("SetField(%1,%2)").arg(id).arg(value));

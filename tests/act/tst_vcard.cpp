@@ -1,9 +1,11 @@
-// vCard 4.0 export: escaping, folding and the mapping of the book's fields.
+// vCard 4.0 export: escaping, folding, and whole cards compared with the expected files in
+// data/ (a mismatch leaves the actual card beside its file as NAME.vcf.actual).
 
 #include "act/vcard.h"
 
 #include <QtTest>
 
+using namespace Qt::StringLiterals;
 using namespace zf::act;
 
 namespace {
@@ -33,6 +35,10 @@ private slots:
         QTest::newRow("backslash") << "C:\\Daten" << QString("C:\\\\Daten") << "C:\\\\Daten";
         QTest::newRow("crlf, lf, cr")
             << "a\r\nb\nc\rd" << QString("a\\nb\\nc\\nd") << "a\\nb\\nc\\nd";
+        QTest::newRow("cr lf cr: two breaks") << "a\r\n\rb" << QString("a\\n\\nb") << "a\\n\\nb";
+        QTest::newRow("tab a space, other controls dropped")
+            << u"a\tb\0c\x7f\x85" u"d\x1b;"_s << QString("a bcd\x1b;").remove(QChar(0x1b))
+            << "a bcd\\;";
     }
 
     void escaping()
@@ -47,6 +53,7 @@ private slots:
     void parameter()
     {
         QCOMPARE(quoteVCardParameter("Sag \"Hi\"^\nTschüss"), "\"Sag ^'Hi^'^^^nTschüss\"");
+        QCOMPARE(quoteVCardParameter(u"a\0\tb\r\nc"_s), "\"a b^nc\"");
     }
 
     void folding_data()
@@ -77,51 +84,47 @@ private slots:
         QCOMPARE(QString::fromUtf8(unfolded), line);
     }
 
-    void mapping()
-    {
-        const QString values = "25=Beispiel GmbH|88=Einkauf; Lager|40=Herr|26=Max Muster|"
-                               "79=Muster|78=Max|27=Hauptstr. 5|28=Hof 2, Stiege 3|32=1010|"
-                               "30=Wien|33=Österreich|35=+43 1 234|36=+43 1 235|38=+43 664 1|"
-                               "74=+43 1 236|200=max@example.at|94=https://example.at/a,b|46=Dr.|"
-                               "117=blau|300=1.1.1970=Geburtstag|301==Leer";
-        QCOMPARE(contactToVCard(bookValues(values)),
-                 "BEGIN:VCARD\r\n"
-                 "VERSION:4.0\r\n"
-                 "FN:Max Muster\r\n"
-                 "N:Muster;Max;;Herr;\r\n"
-                 "ORG:Beispiel GmbH;Einkauf\\; Lager\r\n"
-                 "TITLE:Dr.\r\n"
-                 "ADR:;;Hauptstr. 5,Hof 2\\, Stiege 3;Wien;;1010;Österreich\r\n"
-                 "TEL;TYPE=voice:+43 1 234\r\n"
-                 "TEL;TYPE=voice:+43 1 236\r\n"
-                 "TEL;TYPE=cell:+43 664 1\r\n"
-                 "TEL;TYPE=fax:+43 1 235\r\n"
-                 "EMAIL:max@example.at\r\n"
-                 "URL:https://example.at/a,b\r\n"
-                 "X-ZETTELFISCHER-FIELD-117:blau\r\n"
-                 "X-ZETTELFISCHER-FIELD-300;X-LABEL=\"Geburtstag\":1.1.1970\r\n"
-                 "END:VCARD\r\n");
-    }
-
-    void nameFallbacks_data()
+    // The values ("id=value" or "id=value=label", split by "|"; only fields outside the
+    // standard twenty need labels) and the file with the card they give.
+    void cards_data()
     {
         QTest::addColumn<QString>("values");
-        QTest::addColumn<QByteArray>("lines");
-        QTest::newRow("first and last name")
-            << QString("78=Max|79=Muster") << QByteArray("FN:Max Muster\r\nN:Muster;Max;;;\r\n");
-        QTest::newRow("company only")
-            << QString("25=A, B & Co") << QByteArray("FN:A\\, B & Co\r\nORG:A\\, B & Co\r\n");
-        QTest::newRow("department only")
-            << QString("88=Einkauf") << QByteArray("FN:\r\nORG:;Einkauf\r\n");
-        QTest::newRow("city only") << QString("30=Graz") << QByteArray("FN:\r\nADR:;;;Graz;;;\r\n");
+        QTest::newRow("all-fields")
+            << u"25=Beispiel GmbH|88=Einkauf; Lager|40=Herr|26=Max Muster|79=Muster|78=Max|"
+               u"27=Hauptstr. 5|28=Hof 2, Stiege 3|32=1010|30=Wien|33=Österreich|35=+43 1 234|"
+               u"36=+43 1 235|38=+43 664 1|74=+43 1 236|200=max@example.at|"
+               u"94=https://example.at/a,b|46=Dr.|117=blau|300=1.1.1970=Geburtstag|301==Leer"_s;
+        QTest::newRow("first-and-last-name") << u"78=Max|79=Muster"_s;
+        QTest::newRow("company-only") << u"25=A, B & Co"_s;
+        QTest::newRow("department-only") << u"88=Einkauf"_s;
+        QTest::newRow("city-only") << u"30=Graz"_s;
+        QTest::newRow("salutation-and-third-phone") << u"40=Frau|77=+49 30 1|28=Hof 2"_s;
+        // NUL, BEL, ESC, DEL and NEL go, a tab is a space, every line break stays visible.
+        QTest::newRow("control-characters")
+            << u"26=Max\0 Muster\7|25=A\tB\x1b GmbH|27=Hauptstr. 5\r\nHof 2|"
+               u"94=https://example.at/\r\nseite\x7f|200=max@\x85" u"example.at|"
+               u"300=eins\rzwei=Notiz\0\nneu"_s;
+        QTest::newRow("long-values-folded")
+            << u"25=Österreichische Gesellschaft für Beispiele und Musterwesen mit "
+               u"beschränkter Haftung|117=€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€"_s;
     }
 
-    void nameFallbacks()
+    void cards()
     {
         QFETCH(QString, values);
-        QFETCH(QByteArray, lines);
-        QCOMPARE(contactToVCard(bookValues(values)),
-                 "BEGIN:VCARD\r\nVERSION:4.0\r\n" + lines + "END:VCARD\r\n");
+        const QByteArray card = contactToVCard(bookValues(values));
+        const QString expected =
+            QStringLiteral(ZF_TEST_DATA "/") + QTest::currentDataTag() + ".vcf";
+        QFile file(expected);
+        const QByteArray wanted = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        QFile actual(expected + ".actual");
+        if (card == wanted) {
+            actual.remove();
+            return;
+        }
+        QVERIFY(actual.open(QIODevice::WriteOnly));
+        actual.write(card);
+        QFAIL(qPrintable("the card differs from " + expected + "; see " + actual.fileName()));
     }
 };
 
