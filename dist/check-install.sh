@@ -36,6 +36,6 @@ extra=$(cd "$prefix" && find . -type f | sed 's|^\./||' | sort | grep -vxF -f <(
 # The installed tree as a whole: entry, metadata and icon belong together.
 appstreamcli validate-tree --no-net "$prefix"
 # The installed programs run from there.
-"$prefix/bin/zettelfischer-cli" --help | grep -q 'zettelfischer-cli analyse'
+"$prefix/bin/zettelfischer-cli" analyse --help | grep -q 'zettelfischer-cli analyse'
 "$prefix/bin/zettelfischer" --version | grep -qx 'Zettelfischer 1.18'
 echo "check-install: ${#expected[@]} files installed and valid"

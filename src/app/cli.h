@@ -8,14 +8,20 @@
 #include <QStringList>
 
 #include <cstdio>
+#include <optional>
 
 // Exit status for a usage error or unreadable input.
 constexpr int ExitUsage = 2;
 // Input beyond this is refused rather than read: the analysis fails on far less anyway.
 constexpr qint64 MaxInputBytes = qint64(64) << 20;
 
-// Prints "zettelfischer-cli: MESSAGE" and a hint to stderr; returns ExitUsage.
+// What is wrong with the settings file named by --ini, or "" when it can be read.
+QString settingsFileProblem(const QString& path);
+
+// Prints "zettelfischer-cli: MESSAGE" and a hint at the help to stderr; returns ExitUsage.
 int usageError(const QString& message);
+// The command whose help that hint names; "" for the overview of all commands.
+void setUsageCommand(const QString& name);
 
 struct AnalyseOptions {
     bool raw = false;
@@ -25,9 +31,6 @@ struct AnalyseOptions {
     QString iniFile;
     QString inputFile;
 };
-
-// Parses the analyse options; returns an error text, or "" when they are fine.
-QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& options);
 
 // One analysis of the command line's input, with the messages it showed.
 struct AnalyseRun {
@@ -51,9 +54,14 @@ void printJson(const QJsonObject& object);
 // lines come from the run's store when the run did not fill it.
 void writeAnalysisJson(const AnalyseRun& run, bool withTrace, std::FILE* out);
 
-// zettelfischer-cli analyse ...
-int runAnalyse(const QStringList& args);
-// zettelfischer-cli contacts ... (the embedded contact book)
-int runContacts(const QStringList& args);
-// zettelfischer-cli transfer --new|--edit ...: analyse, then file the rows as a contact.
-int runTransfer(const QStringList& args);
+// The work behind the commands, once their arguments are checked (commands/*.h read them).
+// Each returns the exit status.
+
+// Analyses the input and prints the JSON.
+int runAnalyse(const AnalyseOptions& options);
+// A contact id as the contacts commands take it (1 or more); nullopt for anything else.
+std::optional<qint64> parseContactId(const QString& text);
+// Contacts subcommand COMMAND with its checked arguments, on the book FILE (see contactBookPath).
+int runContacts(const QString& command, const QStringList& args, const QString& file);
+// Analyses the input, then files the rows as a new contact (create) or into the current one.
+int runTransfer(bool create, const QString& file, const AnalyseOptions& options);

@@ -1,4 +1,4 @@
-// The "analyse" command of zettelfischer-cli.
+// The work behind the "analyse" command: read the input, analyse it, print the JSON.
 
 #include "cli.h"
 
@@ -21,55 +21,6 @@
 using namespace Qt::StringLiterals;
 using namespace zf;
 
-namespace {
-QString settingsFileProblem(const QString& path);
-} // namespace
-
-QString parseAnalyseOptions(const QStringList& args, AnalyseOptions& o)
-{
-    for (qsizetype i = 0; i < args.size(); ++i) {
-        QString arg = args[i];
-        QString inlineValue;
-        bool hasInlineValue = false;
-        if (arg.startsWith(u"--"_s) && arg.contains(u'=')) {
-            inlineValue = arg.mid(arg.indexOf(u'=') + 1);
-            arg = arg.left(arg.indexOf(u'='));
-            hasInlineValue = true;
-        }
-        const auto takeValue = [&](QString& target) -> bool {
-            if (hasInlineValue) {
-                target = inlineValue;
-                return true;
-            }
-            if (i + 1 >= args.size())
-                return false;
-            target = args[++i];
-            return true;
-        };
-        if (arg == u"--raw"_s && !hasInlineValue) {
-            o.raw = true;
-        } else if (arg == u"--trace"_s && !hasInlineValue) {
-            o.trace = true;
-        } else if (arg == u"--enhanced"_s && !hasInlineValue) {
-            o.enhanced = true;
-        } else if (arg == u"--separator"_s) {
-            if (!takeValue(o.separator))
-                return u"--separator needs a value"_s;
-        } else if (arg == u"--ini"_s) {
-            if (!takeValue(o.iniFile) || o.iniFile.isEmpty())
-                return u"--ini needs a file name"_s;
-        } else if (arg == u"--file"_s) {
-            if (!takeValue(o.inputFile) || o.inputFile.isEmpty())
-                return u"--file needs a file name"_s;
-        } else {
-            return u"unknown option '%1'"_s.arg(args[i]);
-        }
-    }
-    return o.iniFile.isEmpty() ? QString() : settingsFileProblem(o.iniFile);
-}
-
-namespace {
-
 QString settingsFileProblem(const QString& path)
 {
     const QFileInfo info(path);
@@ -85,6 +36,8 @@ QString settingsFileProblem(const QString& path)
         return name + u" cannot be read: "_s + file.errorString();
     return {};
 }
+
+namespace {
 
 // Reads the whole input, at most MaxInputBytes; an error text, or "".
 QString readInput(QFile& input, const QString& name, QByteArray& bytes)
@@ -360,11 +313,8 @@ void writeAnalysisJson(const AnalyseRun& run, bool withTrace, std::FILE* out)
     json.endObject();
 }
 
-int runAnalyse(const QStringList& args)
+int runAnalyse(const AnalyseOptions& o)
 {
-    AnalyseOptions o;
-    if (const QString error = parseAnalyseOptions(args, o); !error.isEmpty())
-        return usageError(error);
     AnalyseRun run;
     // The box's lines are written from the run's store, and the line list only kept for --trace.
     run.options.fillClipText = false;

@@ -1,4 +1,4 @@
-// The "contacts" and "transfer" commands of zettelfischer-cli: the embedded contact book.
+// The work behind the "contacts" and "transfer" commands: the embedded contact book.
 
 #include "cli.h"
 
@@ -18,6 +18,15 @@ using namespace Qt::StringLiterals;
 using namespace zf;
 using namespace zf::act;
 
+std::optional<qint64> parseContactId(const QString& text)
+{
+    bool ok = false;
+    const qint64 id = text.toLongLong(&ok);
+    if (!ok || id < 1)
+        return std::nullopt;
+    return id;
+}
+
 namespace {
 
 constexpr int ExitFailure = 1;
@@ -31,40 +40,6 @@ int failure(const QString& message)
 void print(const QString& line)
 {
     std::fputs((line + u'\n').toUtf8().constData(), stdout);
-}
-
-// Takes --contacts FILE (or --contacts=FILE) out of the arguments; "" when the value is missing.
-bool takeContactsOption(QStringList& args, QString& file, QString& error)
-{
-    for (qsizetype i = 0; i < args.size(); ++i) {
-        if (args[i] == u"--contacts"_s) {
-            if (i + 1 >= args.size() || args[i + 1].isEmpty()) {
-                error = u"--contacts needs a file name"_s;
-                return false;
-            }
-            file = args[i + 1];
-            args.remove(i, 2);
-            --i;
-        } else if (args[i].startsWith(u"--contacts="_s)) {
-            file = args[i].mid(qsizetype(sizeof("--contacts=")) - 1);
-            if (file.isEmpty()) {
-                error = u"--contacts needs a file name"_s;
-                return false;
-            }
-            args.remove(i);
-            --i;
-        }
-    }
-    return true;
-}
-
-std::optional<qint64> parseId(const QString& text)
-{
-    bool ok = false;
-    const qint64 id = text.toLongLong(&ok);
-    if (!ok || id < 1)
-        return std::nullopt;
-    return id;
 }
 
 QString oneLine(QString text)
@@ -117,7 +92,7 @@ QJsonObject contactToJson(ContactBook& book, qint64 id)
 qint64 chosenContact(ContactBook& book, const QStringList& args)
 {
     if (!args.isEmpty()) {
-        const qint64 id = *parseId(args.first());
+        const qint64 id = *parseContactId(args.first());
         if (!book.hasContact(id))
             throw BookError(BookError::NotFound, u"there is no contact %1"_s.arg(id));
         return id;
@@ -151,7 +126,7 @@ int contactsCommand(const QString& command, const QStringList& args, const QStri
     } else if (command == u"export"_s) {
         QList<qint64> ids;
         for (const QString& arg : args) {
-            const qint64 id = *parseId(arg);
+            const qint64 id = *parseContactId(arg);
             if (!book.hasContact(id))
                 throw BookError(BookError::NotFound, u"there is no contact %1"_s.arg(id));
             ids.append(id);
@@ -168,42 +143,8 @@ int contactsCommand(const QString& command, const QStringList& args, const QStri
 
 } // namespace
 
-int runContacts(const QStringList& arguments)
+int runContacts(const QString& command, const QStringList& args, const QString& file)
 {
-    QStringList args = arguments;
-    QString file;
-    QString error;
-    if (!takeContactsOption(args, file, error))
-        return usageError(error);
-    if (args.isEmpty())
-        return usageError(u"contacts: missing subcommand"_s);
-    const QString command = args.takeFirst();
-    for (const QString& arg : args)
-        if (arg.startsWith(u"--"_s))
-            return usageError(u"contacts: unknown option '%1'"_s.arg(arg));
-
-    static const QStringList idCommands{u"show"_s, u"current"_s, u"export"_s};
-    if (idCommands.contains(command)) {
-        if (command != u"export"_s && args.size() > 1)
-            return usageError(u"contacts %1: at most one contact id"_s.arg(command));
-        for (const QString& arg : args)
-            if (!parseId(arg))
-                return usageError(u"contacts %1: '%2' is not a contact id"_s.arg(command, arg));
-    } else if (command == u"list"_s || command == u"fields"_s) {
-        if (!args.isEmpty())
-            return usageError(u"contacts %1: unexpected argument '%2'"_s.arg(command, args[0]));
-    } else if (command == u"add-field"_s) {
-        if (args.isEmpty() || args.size() > 2)
-            return usageError(u"contacts add-field: needs ID and an optional LABEL"_s);
-        bool ok = false;
-        const int id = args[0].toInt(&ok);
-        if (!ok || id < 1 || id > std::numeric_limits<qint16>::max())
-            return usageError(
-                u"contacts add-field: '%1' is not a field id (1 to 32767)"_s.arg(args[0]));
-    } else {
-        return usageError(u"contacts: unknown subcommand '%1'"_s.arg(command));
-    }
-
     try {
         return contactsCommand(command, args, contactBookPath(file));
     } catch (const BookError& e) {
@@ -211,21 +152,8 @@ int runContacts(const QStringList& arguments)
     }
 }
 
-int runTransfer(const QStringList& arguments)
+int runTransfer(bool create, const QString& file, const AnalyseOptions& options)
 {
-    QStringList args = arguments;
-    QString file;
-    QString error;
-    if (!takeContactsOption(args, file, error))
-        return usageError(error);
-    const bool create = args.removeAll(u"--new"_s) > 0;
-    const bool edit = args.removeAll(u"--edit"_s) > 0;
-    if (create == edit)
-        return usageError(u"transfer: give exactly one of --new and --edit"_s);
-    AnalyseOptions options;
-    if (const QString e = parseAnalyseOptions(args, options); !e.isEmpty())
-        return usageError(e);
-
     const QString path = contactBookPath(file);
     try {
         ContactBook check(path); // a clear reason before the transfer's own short message

@@ -1,77 +1,99 @@
-// zettelfischer-cli: the address analysis for scripts and checks, without a window.
+// zettelfischer-cli: the address analysis and the contact book for scripts and checks, without
+// a window. Each command is a class in commands/; this file lists them and reads what comes
+// before the command's name.
 
 #include "cli.h"
+#include "commands/analysecommand.h"
+#include "commands/command.h"
+#include "commands/contactscommand.h"
+#include "commands/transfercommand.h"
+#include "version.h"
 
+#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QStringList>
 
 #include <cstdio>
+#include <memory>
+#include <vector>
 
 using namespace Qt::StringLiterals;
+using namespace zf::cli;
 
 namespace {
 
-const char* const HelpText =
-    R"(Usage: zettelfischer-cli analyse [--raw] [--enhanced] [--separator TEXT] [--ini FILE] [--file FILE] [--trace]
+QString usageCommand;
 
-Analyses address text (FILE, else standard input: UTF-16 when it starts with a UTF-16
-byte-order mark, else UTF-8; at most 64 MB) and prints the sixteen
-field rows as one JSON object: rows, clipText, extraFieldValues, messages, completed
-(and with --trace the final line list with every line's scores).
+std::vector<std::unique_ptr<Command>> allCommands()
+{
+    std::vector<std::unique_ptr<Command>> commands;
+    commands.push_back(std::make_unique<AnalyseCommand>());
+    commands.push_back(std::make_unique<ContactsCommand>());
+    commands.push_back(std::make_unique<TransferCommand>());
+    return commands;
+}
 
-  --raw             analyse the text as typed into the clipboard box (no clipboard fetch:
-                    " . " before line breaks stays, an empty text is analysed as well)
-  --separator TEXT  line separator to use instead of the automatic choice
-  --ini FILE        settings file (default: zettelfischer.ini beside this program, else
-                    in ~/.config/zettelfischer/, else in /etc/xdg/zettelfischer/)
-  --file FILE       read the text from FILE instead of standard input
-  --trace           also print the line list with all twenty scores per line
-  --enhanced        the enhanced analysis (also [Config] ErweiterteAnalyse=1); with
-                    --trace it adds "recognised": what each line was taken for, and why
-  -h, --help        show this help
-
-Usage: zettelfischer-cli contacts [--contacts FILE] COMMAND
-       zettelfischer-cli transfer --new|--edit [--contacts FILE] [analyse options]
-
-contacts: the contact book (--contacts FILE, else $ZETTELFISCHER_CONTACTS, else
-zettelfischer/kontakte.sqlite in the user's data folder; created on first use).
-  list              one line per contact: ID, name, company ("current" marks the current one)
-  show [ID]         the contact (default: the current one) as JSON: field id, label, value
-  current [ID]      show the current contact, or make contact ID the current one
-  fields            the book's fields: ID and label
-  add-field ID [LABEL]  add a field to the book
-  export [ID...]    the contacts (default: all) as vCard 4.0
-transfer: analyses the input like analyse and files the rows as a new contact (--new) or
-into the current contact (--edit); prints what it did as JSON.
-
-Exit status: 0 on success, 1 when the contact book cannot be used or a transfer failed,
-2 for a usage error or unreadable input.
-)";
+QString overview(const std::vector<std::unique_ptr<Command>>& commands)
+{
+    QList<std::pair<QString, QString>> rows;
+    for (const auto& command : commands)
+        rows.append({command->name(), command->summary()});
+    return u"Usage: zettelfischer-cli COMMAND [OPTIONS] [ARGUMENTS]\n"
+           u"       zettelfischer-cli --help | --version\n\n"
+           u"Analyses address text into field rows and files them in the contact book, for\n"
+           u"scripts and checks, without a window.\n\n"
+           u"Commands:\n"_s +
+           helpList(rows) + u"\nOptions:\n"_s +
+           helpList({{u"-h, --help"_s, u"Shows this help."_s},
+                     {u"--version"_s, u"Shows the program's version."_s}}) +
+           u"\n'zettelfischer-cli COMMAND --help' shows a command's options.\n\n"
+           u"Exit status: 0 on success, 1 when the contact book cannot be used or a transfer\n"
+           u"failed, 2 for a usage error or unreadable input.\n"_s;
+}
 
 } // namespace
 
+void setUsageCommand(const QString& name)
+{
+    usageCommand = name;
+}
+
 int usageError(const QString& message)
 {
-    std::fprintf(stderr, "zettelfischer-cli: %s\n", qPrintable(message));
-    std::fprintf(stderr, "Try 'zettelfischer-cli --help'.\n");
+    const QString help = usageCommand.isEmpty() ? u"--help"_s : u"%1 --help"_s.arg(usageCommand);
+    std::fprintf(stderr, "zettelfischer-cli: %s\nTry 'zettelfischer-cli %s'.\n",
+                 message.toUtf8().constData(), help.toUtf8().constData());
     return ExitUsage;
 }
 
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
-    const QStringList args = app.arguments().mid(1);
-    if (args.contains(u"--help"_s) || args.contains(u"-h"_s)) {
-        std::fputs(HelpText, stdout);
+    QCoreApplication::setApplicationName(u"zettelfischer-cli"_s);
+    QCoreApplication::setApplicationVersion(QString::fromUtf16(zf::Version));
+    const std::vector<std::unique_ptr<Command>> commands = allCommands();
+
+    // Options before the command's name; everything from the name on is the command's.
+    QCommandLineParser parser;
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    const QCommandLineOption help(QStringList{u"h"_s, u"help"_s});
+    const QCommandLineOption version(u"version"_s);
+    parser.addOptions({help, version});
+    if (!parser.parse(QCoreApplication::arguments()))
+        return usageError(parser.errorText());
+    if (parser.isSet(help)) {
+        std::fputs(overview(commands).toUtf8().constData(), stdout);
         return 0;
     }
+    if (parser.isSet(version)) {
+        std::printf("zettelfischer-cli %s\n", QString::fromUtf16(zf::Version).toUtf8().constData());
+        return 0;
+    }
+    const QStringList args = parser.positionalArguments();
     if (args.isEmpty())
         return usageError(u"missing command"_s);
-    if (args.first() == u"analyse"_s)
-        return runAnalyse(args.mid(1));
-    if (args.first() == u"contacts"_s)
-        return runContacts(args.mid(1));
-    if (args.first() == u"transfer"_s)
-        return runTransfer(args.mid(1));
+    for (const auto& command : commands)
+        if (command->name() == args.first())
+            return command->run(args.mid(1));
     return usageError(u"unknown command '%1'"_s.arg(args.first()));
 }
