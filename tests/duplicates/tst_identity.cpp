@@ -13,10 +13,10 @@ Q_DECLARE_METATYPE(zf::dup::FieldValues)
 namespace {
 
 // "Firma=Muster GmbH|Mobil=0171 1" as field values.
-FieldValues contact(const QString& spec)
+FieldValues contact(const QString& pairs)
 {
     FieldValues values;
-    for (const QString& pair : spec.split(u'|', Qt::SkipEmptyParts)) {
+    for (const QString& pair : pairs.split(u'|', Qt::SkipEmptyParts)) {
         const QString name = pair.section(u'=', 0, 0);
         const QString value = pair.section(u'=', 1);
         const auto it = std::find_if(StandardFields.begin(), StandardFields.end(),
