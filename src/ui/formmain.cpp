@@ -313,8 +313,8 @@ void formMain::SetEnhancedAnalysis(bool on)
     if (on == m_session.state.ErweiterteAnalyse)
         return;
     m_session.state.ErweiterteAnalyse = on;
-    // Analyses run on the user's actions only; none can be under way here, but a menu reached
-    // from a dialog of a running one must not start another.
+    // A run still under way (its separator chooser open) is not started over; the next run
+    // takes the new mode.
     if (!m_lastAnalysed || m_analysisRunning)
         return;
     m_analysisRunning = true;
