@@ -2,7 +2,7 @@
 
 #include "act/contactlink.h"
 #include "settings/settings.h"
-#include "ui/formmain.h"
+#include "ui/mainwindow.h"
 #include "ui/windowhelpers.h"
 #include "version.h"
 
@@ -67,6 +67,14 @@ Arguments parseArguments(int argc, char** argv)
     return result;
 }
 
+// The only place a chosen book becomes a factory. Server books are not wired yet.
+std::shared_ptr<zf::act::ObjectFactory> openBook(const zf::ui::BookChoice& choice)
+{
+    if (choice.isServer())
+        return nullptr;
+    return zf::act::makeContactBookFactory(choice.location);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -83,10 +91,18 @@ int main(int argc, char** argv)
     QGuiApplication::setDesktopFileName(u"example.zettelfischer.Zettelfischer"_s);
     zf::ui::UseGermanQtTexts();
 
-    const QString book = zf::act::contactBookPath(args.contactsFile);
-    zf::ui::formMain window({.iniPath = zf::settingsFilePath(),
-                             .programDir = QApplication::applicationDirPath(),
-                             .contacts = zf::act::makeContactBookFactory(book)});
+    zf::ui::BookChoice book{zf::act::contactBookPath(args.contactsFile), {}};
+    // The book chosen in the window counts when nothing else names one.
+    if (args.contactsFile.isEmpty() && qEnvironmentVariableIsEmpty("ZETTELFISCHER_CONTACTS")) {
+        if (const auto remembered = zf::ui::rememberedBook(); remembered && !remembered->isServer())
+            book = *remembered;
+    }
+    zf::ui::MainWindow window({.iniPath = zf::settingsFilePath(),
+                               .programDir = QApplication::applicationDirPath(),
+                               .contacts = openBook(book),
+                               .openBook = openBook,
+                               .enhancedAnalysis = zf::ui::rememberedEnhancedAnalysis()},
+                              book);
     window.show();
     window.StartUp();
     return QApplication::exec();

@@ -3,10 +3,12 @@
 #include "act/messages.h"
 #include "analysis/analyser.h"
 #include "analysis/textutil.h"
+#include "formadressbuch.h"
 #include "formfertigabfrage.h"
 #include "forminfo.h"
 #include "formtrenner.h"
 #include "messages.h"
+#include "settings/clsini.h"
 #include "settings/settings.h"
 #include "updatelaunch.h"
 #include "version.h"
@@ -24,6 +26,20 @@
 using namespace Qt::StringLiterals;
 
 namespace zf::ui {
+
+namespace {
+
+// Whether the settings file names the analysis itself; its choice then wins over the window's.
+bool SettingsNameAnalysis(const QString& iniPath)
+{
+    // No value written by hand can hold a line break, so the default tells a missing key.
+    const QString missing = u"\n"_s;
+    clsINI ini;
+    ini.setFileName(iniPath);
+    return ini.ReadData(u"Config"_s, u"ErweiterteAnalyse"_s, missing) != missing;
+}
+
+} // namespace
 
 QString ClipboardPlainText()
 {
@@ -229,13 +245,14 @@ act::WindowHooks formMain::hooks()
 {
     act::WindowHooks h;
     h.setBusyCursor = [](bool busy) { SetBusyCursor(busy); };
-    h.setTopMost = [this](bool onTop) { SetTopMost(this, onTop); };
+    h.setTopMost = [this](bool onTop) { SetTopMost(window(), onTop); };
     h.repaint = [this] { repaint(); };
     h.showMessage = m_showMessage;
     h.showCompletionPrompt = [this](bool created) { return ShowCompletionPrompt(created, this); };
     h.fetchClipboard = [this] { FetchClipboard(); };
     h.saveFieldCache = [this] { SaveFieldCache(m_options.iniPath, m_session.rows); };
-    h.closeProgram = [this] { close(); };
+    // Inside a frame window closing the form alone would only hide it.
+    h.closeProgram = [this] { window()->close(); };
     h.focusMainWindow = [this] {
         activateWindow();
         raise();
@@ -249,13 +266,15 @@ void formMain::StartUp()
     m_session.state.ChosenSeparator.clear();
     m_session.rows.FillDefaultFieldLists();
     LoadSettings(m_options.iniPath, m_session.state, m_session.rows);
+    if (m_options.enhancedAnalysis && !SettingsNameAnalysis(m_options.iniPath))
+        m_session.state.ErweiterteAnalyse = *m_options.enhancedAnalysis;
     LoadFieldList();
     m_analysisRunning = true;
     m_session.clipText.clear();
     setBoxText(QString());
     m_analysisRunning = false;
-    SetTopMost(this, true);
-    SetTopMost(this, false);
+    SetTopMost(window(), true);
+    SetTopMost(window(), false);
     m_silentFetch = true;
     FetchClipboard();
     m_silentFetch = false;
@@ -266,7 +285,9 @@ void formMain::FetchClipboard()
 {
     m_analysisRunning = true;
     setBoxText(QString());
-    FetchClipboardText(ClipboardPlainText(), m_session, seams(), m_silentFetch);
+    if (FetchClipboardTextIn(ModeOf(m_session.state), ClipboardPlainText(), m_session, seams(),
+                             m_silentFetch))
+        m_lastAnalysed = PrepareClipboardText(m_session.state.ClipboardText);
     setBoxText(m_session.clipText);
     m_analysisRunning = false;
 }
@@ -280,10 +301,41 @@ void formMain::clipBoxEdited()
     const int cursor = txtClipText->textCursor().position();
     setBoxText(QString());
     m_session.clipText.clear();
-    AnalyseText(text, m_session, seams());
+    AnalyseTextIn(ModeOf(m_session.state), text, m_session, seams());
+    m_lastAnalysed = text;
     // Keep the caret where the user was typing, as far as the rewritten text allows.
     setBoxText(m_session.clipText, cursor);
     m_analysisRunning = false;
+}
+
+void formMain::SetEnhancedAnalysis(bool on)
+{
+    if (on == m_session.state.ErweiterteAnalyse)
+        return;
+    m_session.state.ErweiterteAnalyse = on;
+    // A run still under way (its separator chooser open) is not started over; the next run
+    // takes the new mode.
+    if (!m_lastAnalysed || m_analysisRunning)
+        return;
+    m_analysisRunning = true;
+    setBoxText(QString());
+    m_session.clipText.clear();
+    AnalyseTextIn(ModeOf(m_session.state), *m_lastAnalysed, m_session, seams());
+    setBoxText(m_session.clipText);
+    m_analysisRunning = false;
+}
+
+bool formMain::UseBook(const BookChoice& choice)
+{
+    std::shared_ptr<act::ObjectFactory> factory =
+        m_options.openBook ? m_options.openBook(choice) : nullptr;
+    if (!factory) {
+        m_showMessage(msg::BookNotOpened, MessageStyle::Exclamation);
+        return false;
+    }
+    ReleaseActObjects();
+    m_link = std::make_unique<act::ContactLink>(std::move(factory));
+    return true;
 }
 
 void formMain::setBoxText(const QString& text, int cursorPosition)
@@ -349,7 +401,7 @@ void formMain::ShowInfo()
 void formMain::StartUpdate()
 {
     if (LaunchUpdate(m_options.programDir, m_showMessage) == UpdateOutcome::Started)
-        close();
+        window()->close();
 }
 
 void formMain::ReleaseActObjects()

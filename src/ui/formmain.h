@@ -2,11 +2,14 @@
 
 #include "act/contactlink.h"
 #include "analysis/session.h"
+#include "enhanced/enhanced.h"
 
 #include <QWidget>
 
 #include <array>
+#include <functional>
 #include <memory>
+#include <optional>
 
 class QComboBox;
 class QLineEdit;
@@ -14,6 +17,8 @@ class QPlainTextEdit;
 class QPushButton;
 
 namespace zf::ui {
+
+struct BookChoice;
 
 // The clipboard's plain text with CR LF line breaks; "" when it holds no text.
 QString ClipboardPlainText();
@@ -23,6 +28,10 @@ struct MainOptions {
     QString programDir; // where the update program lies
     std::shared_ptr<act::ObjectFactory> contacts;
     MessageFunction showMessage = {}; // empty: message boxes on this window
+    // The one place that turns a chosen address book into its objects; nullptr when it cannot.
+    std::function<std::shared_ptr<act::ObjectFactory>(const BookChoice&)> openBook = {};
+    // The analysis the user chose last time; the settings file's ErweiterteAnalyse wins.
+    std::optional<bool> enhancedAnalysis = {};
 };
 
 // The main window: sixteen field rows bound to the session's rows, the clipboard box and the
@@ -47,6 +56,13 @@ public:
     void StartUpdate();
 
     void ReleaseActObjects();
+
+    // The enhanced analysis for every later run; switching analyses the last text again.
+    bool EnhancedAnalysis() const { return m_session.state.ErweiterteAnalyse; }
+    void SetEnhancedAnalysis(bool on);
+    // Files contacts into that book from now on; false (and a message) when it cannot be
+    // opened, the current book staying in use.
+    bool UseBook(const BookChoice& choice);
 
     Session& session() { return m_session; }
     act::ContactLink& contactLink() { return *m_link; }
@@ -80,6 +96,8 @@ private:
     std::unique_ptr<act::ContactLink> m_link;
     bool m_analysisRunning = false;
     bool m_silentFetch = false;
+    // What the last analysis started from, for running it again in the other mode.
+    std::optional<QString> m_lastAnalysed;
 };
 
 } // namespace zf::ui

@@ -27,4 +27,6 @@ inline const QString UpdateConfirm =
                    "geschlossen. Trotzdem weiter?");
 inline const QString UpdateMissing = QStringLiteral("Update.exe nicht gefunden.");
 inline const QString UpdateFailed = QStringLiteral("Konnte Online-Update Programm nicht öffnen.");
+inline const QString BookNotOpened = QStringLiteral(
+    "Dieses Adressbuch kann nicht geöffnet werden. Das bisherige bleibt in Gebrauch.");
 } // namespace zf::msg
