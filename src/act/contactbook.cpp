@@ -20,6 +20,7 @@ namespace {
 
 // Long enough for the other program's longest write; a transfer never holds a lock longer.
 constexpr int BusyTimeoutMs = 10000;
+constexpr int WalRetryMs = 20;
 
 const char* const SchemaSql = R"(
 CREATE TABLE fields (
@@ -317,10 +318,20 @@ void ContactBook::useWal()
         if (mode.step() && mode.text(0) == u"wal"_s)
             return;
     }
-    Statement mode(*this, "PRAGMA journal_mode=WAL");
-    if (!mode.step() || mode.text(0) != u"wal"_s)
-        throw BookError(BookError::Busy,
-                        u"the contact book '%1' is locked by another program"_s.arg(m_path));
+    // The switch needs the book to itself and answers the old mode, without waiting, while
+    // another program reads it (as at first use by several at once): ask again until the
+    // busy timeout has passed.
+    for (int waited = 0;; waited += WalRetryMs) {
+        {
+            Statement mode(*this, "PRAGMA journal_mode=WAL");
+            if (mode.step() && mode.text(0) == u"wal"_s)
+                return;
+        }
+        if (waited >= BusyTimeoutMs)
+            throw BookError(BookError::Busy,
+                            u"the contact book '%1' is locked by another program"_s.arg(m_path));
+        sqlite3_sleep(WalRetryMs);
+    }
 }
 
 qint64 ContactBook::addContact()
