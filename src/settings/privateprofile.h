@@ -24,6 +24,8 @@
 //   folder, is flushed to disk and renamed over the old file, which keeps its permissions.
 //   Whenever the program stops, the file holds either the old text or the new one.
 
+#include "encoding.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -37,15 +39,6 @@ namespace zf::profile {
 
 // The settings file is small and edited by hand; anything beyond this is no settings file.
 inline constexpr qint64 MaxFileSize = 4 * 1024 * 1024;
-
-// Valid UTF-8 (no overlong forms, no surrogates, nothing above U+10FFFF) that holds at least
-// one byte beyond ASCII.
-bool IsUtf8Text(QByteArrayView bytes);
-
-// Windows-1252. The five bytes that the code page leaves undefined map to U+0081, U+008D,
-// U+008F, U+0090 and U+009D and back, so any file survives a read and a rewrite unchanged.
-QString DecodeAnsi(QByteArrayView bytes);
-QByteArray EncodeAnsi(QStringView text);
 
 // Copies the value of the key (or the default) into buffer, cut to size - 1 characters
 // and ended by a NUL; returns the number of characters copied.
