@@ -4,7 +4,7 @@
 // first NUL byte (later ones belong to the value). Field bytes 'A' to 'T' pick one of the
 // twenty standard fields, others any other id.
 
-#include "act/vcard.h"
+#include "books/sqlite/vcard.h"
 #include "analysis/fields.h"
 
 #include "require.h"

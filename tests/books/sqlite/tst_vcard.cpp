@@ -1,7 +1,7 @@
 // vCard 4.0 export: escaping, folding, and whole cards compared with the expected files in
 // data/ (a mismatch leaves the actual card beside its file as NAME.vcf.actual).
 
-#include "act/vcard.h"
+#include "books/sqlite/vcard.h"
 
 #include <QtTest>
 
@@ -37,8 +37,9 @@ private slots:
             << "a\r\nb\nc\rd" << QString("a\\nb\\nc\\nd") << "a\\nb\\nc\\nd";
         QTest::newRow("cr lf cr: two breaks") << "a\r\n\rb" << QString("a\\n\\nb") << "a\\n\\nb";
         QTest::newRow("tab a space, other controls dropped")
-            << u"a\tb\0c\x7f\x85" u"d\x1b;"_s << QString("a bcd\x1b;").remove(QChar(0x1b))
-            << "a bcd\\;";
+            << u"a\tb\0c\x7f\x85"
+               u"d\x1b;"_s
+            << QString("a bcd\x1b;").remove(QChar(0x1b)) << "a bcd\\;";
     }
 
     void escaping()
@@ -102,7 +103,8 @@ private slots:
         // NUL, BEL, ESC, DEL and NEL go, a tab is a space, every line break stays visible.
         QTest::newRow("control-characters")
             << u"26=Max\0 Muster\7|25=A\tB\x1b GmbH|27=Hauptstr. 5\r\nHof 2|"
-               u"94=https://example.at/\r\nseite\x7f|200=max@\x85" u"example.at|"
+               u"94=https://example.at/\r\nseite\x7f|200=max@\x85"
+               u"example.at|"
                u"300=eins\rzwei=Notiz\0\nneu"_s;
         QTest::newRow("long-values-folded")
             << u"25=Österreichische Gesellschaft für Beispiele und Musterwesen mit "
