@@ -221,24 +221,33 @@ private slots:
         QVERIFY(run.out.isEmpty());
     }
 
-    // A stopped server and one that takes the connection and never answers: exit 1 with the
-    // reason, within the timeout of the settings.
+    // A stopped server, one that takes the connection and never answers, and one with a
+    // certificate nobody trusts: exit 1 with the reason, within the timeout of the settings.
     void unreachable_data()
     {
-        QTest::addColumn<bool>("silent");
+        QTest::addColumn<QString>("server");
         QTest::addColumn<QByteArray>("message");
-        QTest::newRow("stopped") << false << QByteArray("connection refused");
-        QTest::newRow("silent") << true << QByteArray("no answer within 1000 ms");
+        QTest::newRow("stopped") << "stopped" << QByteArray("connection refused");
+        QTest::newRow("silent") << "silent" << QByteArray("no answer within 1000 ms");
+        QTest::newRow("untrusted certificate")
+            << "tls" << QByteArray("the server's certificate is not trusted");
     }
     void unreachable()
     {
-        QFETCH(bool, silent);
+        QFETCH(QString, server);
         QFETCH(QByteArray, message);
         QTcpServer quiet;
+        std::unique_ptr<DavServer> tls;
+        QString url = "http://anna@127.0.0.1:%1/anna/kontakte/";
         quint16 port = 0;
-        if (silent) {
+        if (server == "silent") {
             QVERIFY(quiet.listen(QHostAddress::LocalHost));
             port = quiet.serverPort();
+        } else if (server == "tls") {
+            tls = std::make_unique<DavServer>(DavServer::Radicale, true);
+            QVERIFY2(tls->error().isEmpty(), qPrintable(tls->error()));
+            port = tls->port();
+            url = "https://anna@127.0.0.1:%1/anna/kontakte/";
         } else {
             auto stopped = std::make_unique<DavServer>(DavServer::Radicale);
             QVERIFY(stopped->error().isEmpty());
@@ -250,12 +259,12 @@ private slots:
         ini.write("[Kontakte]\r\nTimeout=1\r\n");
         ini.close();
         const Run run = runCli({"transfer", "--new", "--ini", ini.fileName(), "--contacts",
-                                QString("http://anna@127.0.0.1:%1/anna/kontakte/").arg(port),
-                                "--file", data("signature.txt")},
+                                url.arg(port), "--file", data("signature.txt")},
                                env());
         QCOMPARE(run.exitCode, 1);
         QVERIFY2(run.err.contains(message), run.err.constData());
         QVERIFY2(run.ms < 5000, qPrintable(QString::number(run.ms)));
+        QVERIFY(run.out.isEmpty());
     }
 
     // What was written, read by real clients: vdirsyncer copies the book, khard shows it.
