@@ -3,13 +3,14 @@
 #include "analysis/fields.h"
 #include "credentials/credentials.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
-#include <QSaveFile>
 
+#include <cstdio>
 #include <limits>
 #include <utility>
 
@@ -176,9 +177,18 @@ void DavBook::setCurrentContact(const QString& contactId)
     state.insert(u"current"_s, current);
     if (!QDir().mkpath(stateFolder()))
         throw act::ActError(u"cannot create the state folder %1"_s.arg(stateFolder()));
-    QSaveFile f(stateFile());
-    if (!f.open(QIODevice::WriteOnly) || f.write(QJsonDocument(state).toJson()) < 0 || !f.commit())
-        throw act::ActError(u"cannot write %1: %2"_s.arg(stateFile(), f.errorString()));
+    // A new file renamed over the old one: never half written. Not flushed to disk, as a
+    // current contact lost in a crash costs nothing, while the flush would cost every transfer.
+    const QString target = stateFile();
+    QFile f(target + u".tmp-"_s + QString::number(QCoreApplication::applicationPid()));
+    const bool written = f.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                         f.write(QJsonDocument(state).toJson()) >= 0 && f.flush();
+    f.close();
+    if (!written || ::rename(QFile::encodeName(f.fileName()).constData(),
+                             QFile::encodeName(target).constData()) != 0) {
+        f.remove();
+        throw act::ActError(u"cannot write %1"_s.arg(target));
+    }
 }
 
 namespace {
