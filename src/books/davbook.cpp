@@ -164,12 +164,13 @@ std::optional<QString> DavBook::currentContact()
 {
     const QString id = readState().value(u"current"_s).toObject().value(stateKey()).toString();
     if (!isDavContactId(id))
-        return std::nullopt;
+        return m_current;
     return id;
 }
 
 void DavBook::setCurrentContact(const QString& contactId)
 {
+    m_current = contactId;
     const QString key = stateKey();
     QJsonObject state = readState();
     QJsonObject current = state.value(u"current"_s).toObject();
@@ -239,7 +240,12 @@ public:
                 transfer.create ? book.create(transfer.values)
                                 : book.update(m_book->cardUrl(transfer.contact), transfer.values);
             const QString id = contactIdOf(written.url);
-            m_book->setCurrentContact(id);
+            // The card is filed: a state folder we cannot write must not turn that into a
+            // failure, which would invite a second "Neu Anlegen". This run still knows it.
+            try {
+                m_book->setCurrentContact(id);
+            } catch (const act::ActError&) {
+            }
             m_book->written(id);
         });
     }

@@ -40,8 +40,10 @@ public:
     QList<carddav::AddressBookInfo> addressBooks();
 
     QUrl cardUrl(const QString& contactId);
-    // The contact last filed through the program into this book, or chosen as current.
+    // The contact last filed through the program into this book, or chosen as current; kept
+    // in the state folder, and for this object's life also when that cannot be written.
     std::optional<QString> currentContact();
+    // An ActError when the state file cannot be written.
     void setCurrentContact(const QString& contactId);
 
     // Told the contact id after every transfer that wrote (tests, the command line).
@@ -61,6 +63,7 @@ private:
     std::unique_ptr<carddav::AddressBook> m_book;
     std::shared_ptr<carddav::DavClient> m_client;
     std::function<void(const QString&)> m_written;
+    std::optional<QString> m_current; // when the state file has none for this book
 };
 
 std::shared_ptr<act::ObjectFactory> makeDavBookFactory(std::shared_ptr<DavBook> book);

@@ -143,6 +143,25 @@ private slots:
         QVERIFY(!isServerLocation("ftp://dav.example.de/"));
     }
 
+    // A URL that reaches the file book (a program not yet choosing by location) is refused
+    // rather than made into folders.
+    void fileBookRefusesUrls()
+    {
+        QTemporaryDir dir;
+        const QString before = QDir::currentPath();
+        QDir::setCurrent(dir.path());
+        try {
+            act::ContactBook book("http://anna@127.0.0.1:5232/anna/kontakte/");
+            QFAIL("opened");
+        } catch (const act::BookError& e) {
+            QCOMPARE(e.kind(), act::BookError::CannotOpen);
+            QVERIFY(e.message().contains("CardDAV"));
+        }
+        QCOMPARE(QDir(dir.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
+                 QStringList());
+        QDir::setCurrent(before);
+    }
+
     // The window's path: field list, "Neu Anlegen", "Bearbeiten", through ContactLink.
     void transferThroughTheAutomationInterface()
     {

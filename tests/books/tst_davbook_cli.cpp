@@ -186,6 +186,22 @@ private slots:
         QVERIFY(fields.out.startsWith("25\tFirma\n"));
     }
 
+    // A state folder that cannot be made: the contact is filed all the same, and only the
+    // next run does not know it as the current one.
+    void stateFolderUnwritable()
+    {
+        QProcessEnvironment e = env();
+        e.insert("XDG_STATE_HOME", "/dev/null/state");
+        const Run filed =
+            runCli({"transfer", "--new", "--contacts", m_book, "--file", data("signature.txt")}, e);
+        QVERIFY2(filed.exitCode == 0, filed.err.constData());
+        const QString id = filed.json().value("contact").toObject().value("id").toString();
+        QVERIFY(QFile::exists(QDir(m_server->storedBook()).filePath(id)));
+        const Run current = runCli({"contacts", "current", "--contacts", m_book}, e);
+        QCOMPARE(current.exitCode, 1);
+        QVERIFY(current.err.contains("no current contact"));
+    }
+
     void booksFromTheServerRoot()
     {
         const QString root = QString("http://anna@127.0.0.1:%1/").arg(m_server->port());
