@@ -1,8 +1,11 @@
-// The CardDAV book against a local Radicale: a contact created through the book next to a bare
-// PUT of the same card (target: at most 1.5 times as long), and discovery from the server root
-// (target: under 100 ms).
+// The CardDAV book against a local Radicale: a contact created through the book and a transfer
+// through the automation interface, each next to a bare PUT of the same card (target: at most
+// 1.5 times as long), and discovery from the server root (target: under 100 ms).
 
 #include "books/carddav/addressbook.h"
+
+#include "act/contactlink.h"
+#include "books/books.h"
 
 #include "analysis/fields.h"
 #include "books/carddav/davservers.h" // the test fixture
@@ -11,6 +14,7 @@
 #include <QEventLoop>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QTemporaryDir>
 #include <QUuid>
 
 #include <benchmark/benchmark.h>
@@ -95,6 +99,43 @@ void BM_BareHttpPut(benchmark::State& state)
     }
 }
 BENCHMARK(BM_BareHttpPut)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// "Neu Anlegen" as the window and the command line do it: the rows through ContactLink, the
+// CardDAV book's automation objects, one PUT at EndTransfer and the current contact noted in
+// the state folder. Logged in once, as a running program is.
+void BM_TransferThroughAutomation(benchmark::State& state)
+{
+    DavServer* server = radicale(state);
+    if (!server)
+        return;
+    QTemporaryDir stateHome;
+    qputenv("XDG_STATE_HOME", stateHome.path().toUtf8());
+    qputenv("ZETTELFISCHER_PASSWORD", server->password().toUtf8());
+    const books::BookLocation location{server->book().toString(), server->user(),
+                                       std::chrono::seconds(15)};
+    act::ContactLink link(books::makeBookFactory(
+        location,
+        std::make_shared<credentials::Credentials>(credentials::AskFunction{}, std::nullopt)));
+    act::WindowHooks hooks;
+    int failures = 0;
+    hooks.showMessage = [&failures](const QString&, MessageStyle) {
+        ++failures;
+        return MessageAnswer::Ok;
+    };
+    hooks.showCompletionPrompt = [](bool) { return act::Completion::Back; };
+    Session session;
+    session.rows.FillDefaultFieldLists();
+    for (int row = 0; row < Values.size(); ++row) {
+        session.rows.setValue(row, Values[row].value);
+        session.rows.SelectRowField(row, qint16(Values[row].fieldId));
+    }
+    session.clipText = u"Muster GmbH\r\n"_s;
+    for (auto _ : state)
+        link.TransferContact(true, session, hooks);
+    if (failures)
+        state.SkipWithError(qPrintable(u"transfer failed: "_s + link.lastError()));
+}
+BENCHMARK(BM_TransferThroughAutomation)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // A fresh client each time, as on the first use: well-known redirect, principal, home, books.
 void BM_CardDavDiscoveryFromRoot(benchmark::State& state)

@@ -4,8 +4,8 @@
 // first NUL byte (later ones belong to the value). Field bytes 'A' to 'T' pick one of the
 // twenty standard fields, others any other id.
 
-#include "act/vcard.h"
 #include "analysis/fields.h"
+#include "books/sqlite/vcard.h"
 
 #include "require.h"
 

@@ -4,9 +4,6 @@
 #include "analysis/fields.h"
 #include "analysis/textutil.h"
 
-#include <QDir>
-#include <QStandardPaths>
-
 using namespace Qt::StringLiterals;
 
 namespace zf::act {
@@ -180,17 +177,6 @@ void ContactLink::ReleaseActObjects()
     o.views.reset();
     o.database.reset();
     o.app.reset();
-}
-
-QString contactBookPath(const QString& explicitFile)
-{
-    if (!explicitFile.isEmpty())
-        return explicitFile;
-    const QString fromEnvironment = qEnvironmentVariable("ZETTELFISCHER_CONTACTS");
-    if (!fromEnvironment.isEmpty())
-        return fromEnvironment;
-    return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
-        .filePath(u"zettelfischer/kontakte.sqlite"_s);
 }
 
 } // namespace zf::act

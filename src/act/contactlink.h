@@ -61,15 +61,7 @@ private:
     QString m_lastError;
 };
 
-// The contact book's path: the explicit file if given (--contacts), else the environment
-// variable ZETTELFISCHER_CONTACTS, else zettelfischer/kontakte.sqlite in the user's data folder.
-QString contactBookPath(const QString& explicitFile = QString());
-
-// Told the id of the contact a transfer wrote, once it is stored.
-using TransferWritten = std::function<void(qint64 contactId)>;
-
-// The factory that creates the embedded SQLite contact book's objects for that path.
-std::shared_ptr<ObjectFactory> makeContactBookFactory(const QString& bookPath,
-                                                      TransferWritten written = {});
-
 } // namespace zf::act
+
+// The window's entry point still reaches the SQLite book through this header.
+#include "books/sqlite/sqlitebook.h"

@@ -19,6 +19,11 @@ struct SharedState {
     bool ExtraDefinitionsLoaded = false;
     QList<clsZusatzDefs> ExtraFieldValues;
     bool ErweiterteAnalyse = false; // [Config] ErweiterteAnalyse=1: the enhanced analysis
+    // [Kontakte]: the contact book when neither --contacts nor the environment names one; a
+    // path or a CardDAV URL, its user, and how long one request may take, in seconds.
+    QString KontakteAdressbuch;
+    QString KontakteBenutzer;
+    int KontakteTimeout = 15;
 };
 
 // What the main window shows and the analysis writes: the field rows and the clipboard box.

@@ -61,7 +61,11 @@ void writeAnalysisJson(const AnalyseRun& run, bool withTrace, std::FILE* out);
 int runAnalyse(const AnalyseOptions& options);
 // A contact id as the contacts commands take it (1 or more); nullopt for anything else.
 std::optional<qint64> parseContactId(const QString& text);
-// Contacts subcommand COMMAND with its checked arguments, on the book FILE (see contactBookPath).
+// Whether the contacts commands use a CardDAV book (--contacts FILE, the environment, the
+// settings): its contact ids are resource names rather than numbers.
+bool contactsOnServer(const QString& file);
+// Contacts subcommand COMMAND with its checked arguments, on the book FILE (a path or a URL;
+// else as books::bookLocation chooses).
 int runContacts(const QString& command, const QStringList& args, const QString& file);
 // Analyses the input, then files the rows as a new contact (create) or into the current one.
 int runTransfer(bool create, const QString& file, const AnalyseOptions& options);

@@ -1,15 +1,22 @@
-// The work behind the "contacts" and "transfer" commands: the embedded contact book.
+// The work behind the "contacts" and "transfer" commands: the embedded contact book or a
+// CardDAV address book.
 
 #include "cli.h"
 
-#include "act/contactbook.h"
 #include "act/contactlink.h"
-#include "act/vcard.h"
 #include "analysis/fields.h"
+#include "books/books.h"
+#include "books/davbook.h"
+#include "books/sqlite/contactbook.h"
+#include "books/sqlite/vcard.h"
+#include "credentials/terminal.h"
+#include "settings/settings.h"
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 #include <optional>
@@ -17,6 +24,8 @@
 using namespace Qt::StringLiterals;
 using namespace zf;
 using namespace zf::act;
+using zf::books::DavBook;
+using zf::carddav::DavError;
 
 std::optional<qint64> parseContactId(const QString& text)
 {
@@ -59,9 +68,8 @@ QString valueOf(const QList<BookValue>& values, qint32 fieldId)
 }
 
 // "ID<TAB>name<TAB>company", and "<TAB>current" for the current contact.
-QString listLine(ContactBook& book, qint64 id, std::optional<qint64> current)
+QString listLine(const QString& id, const QList<BookValue>& values, bool current)
 {
-    const QList<BookValue> values = book.contactValues(id);
     QString name = valueOf(values, idOf(FieldId::Kontakt));
     if (name.isEmpty())
         name = QStringList{valueOf(values, idOf(FieldId::Vorname)),
@@ -70,21 +78,31 @@ QString listLine(ContactBook& book, qint64 id, std::optional<qint64> current)
                    .trimmed();
     QString line =
         u"%1\t%2\t%3"_s.arg(id).arg(oneLine(name), oneLine(valueOf(values, idOf(FieldId::Firma))));
-    if (current == id)
+    if (current)
         line += u"\tcurrent"_s;
     return line;
 }
 
-QJsonObject contactToJson(ContactBook& book, qint64 id)
+QString listLine(ContactBook& book, qint64 id, std::optional<qint64> current)
+{
+    return listLine(QString::number(id), book.contactValues(id), current == id);
+}
+
+QJsonArray fieldsToJson(const QList<BookValue>& values)
 {
     QJsonArray fields;
-    for (const BookValue& v : book.contactValues(id))
+    for (const BookValue& v : values)
         fields.append(
             QJsonObject{{u"id"_s, v.fieldId}, {u"label"_s, v.label}, {u"value"_s, v.value}});
+    return fields;
+}
+
+QJsonObject contactToJson(ContactBook& book, qint64 id)
+{
     return QJsonObject{
         {u"id"_s, id},
         {u"current"_s, book.currentContact() == id},
-        {u"fields"_s, fields},
+        {u"fields"_s, fieldsToJson(book.contactValues(id))},
     };
 }
 
@@ -123,6 +141,8 @@ int contactsCommand(const QString& command, const QStringList& args, const QStri
             print(u"%1\t%2"_s.arg(f.id).arg(oneLine(f.label)));
     } else if (command == u"add-field"_s) {
         book.addField(qint32(args[0].toInt()), args.value(1));
+    } else if (command == u"books"_s) {
+        print(u"%1\t%2"_s.arg(oneLine(book.path()), oneLine(QFileInfo(book.path()).fileName())));
     } else if (command == u"export"_s) {
         QList<qint64> ids;
         for (const QString& arg : args) {
@@ -141,20 +161,153 @@ int contactsCommand(const QString& command, const QStringList& args, const QStri
     return 0;
 }
 
-} // namespace
+// --- CardDAV ---
 
-int runContacts(const QString& command, const QStringList& args, const QString& file)
+std::shared_ptr<DavBook> davBook(const books::BookLocation& location)
+{
+    return std::make_shared<DavBook>(
+        location, std::make_shared<credentials::Credentials>(credentials::terminalAsk()));
+}
+
+carddav::Card fetchCard(DavBook& dav, const QString& id)
 {
     try {
-        return contactsCommand(command, args, contactBookPath(file));
-    } catch (const BookError& e) {
-        return failure(e.message());
+        return dav.book().get(dav.cardUrl(id));
+    } catch (const DavError& e) {
+        if (e.kind() == DavError::NotFound)
+            throw DavError(DavError::NotFound, u"there is no contact %1"_s.arg(id), 404);
+        throw;
     }
 }
 
-int runTransfer(bool create, const QString& file, const AnalyseOptions& options)
+// The contact the command names, else the current one.
+QString chosenContact(DavBook& dav, const QStringList& args)
 {
-    const QString path = contactBookPath(file);
+    if (!args.isEmpty())
+        return args.first();
+    const std::optional<QString> current = dav.currentContact();
+    if (!current)
+        throw DavError(DavError::NotFound, u"the address book has no current contact"_s);
+    return *current;
+}
+
+QJsonObject contactToJson(DavBook& dav, const carddav::Card& card)
+{
+    const QString id = books::contactIdOf(card.url);
+    return QJsonObject{
+        {u"id"_s, id},
+        {u"current"_s, dav.currentContact() == id},
+        {u"fields"_s, fieldsToJson(books::cardValues(card.data))},
+    };
+}
+
+// Every card of the book, by contact id.
+QList<carddav::Card> allCards(carddav::AddressBook& book)
+{
+    QList<QUrl> urls;
+    for (const carddav::CardRef& ref : book.list())
+        urls.append(ref.url);
+    QList<carddav::Card> cards = book.multiget(urls);
+    std::sort(cards.begin(), cards.end(), [](const carddav::Card& a, const carddav::Card& b) {
+        return books::contactIdOf(a.url) < books::contactIdOf(b.url);
+    });
+    return cards;
+}
+
+int davContactsCommand(const QString& command, const QStringList& args, DavBook& dav)
+{
+    if (command == u"books"_s) {
+        for (const carddav::AddressBookInfo& info : dav.addressBooks())
+            print(u"%1\t%2"_s.arg(info.url.adjusted(QUrl::RemoveUserInfo).toString(),
+                                  oneLine(info.name)));
+        return 0;
+    }
+    if (command == u"add-field"_s)
+        return failure(u"a CardDAV address book has no field list of its own: a user field "
+                       u"comes with the first contact filed with it"_s);
+    carddav::AddressBook& book = dav.book();
+    if (command == u"list"_s) {
+        const std::optional<QString> current = dav.currentContact();
+        for (const carddav::Card& card : allCards(book)) {
+            const QString id = books::contactIdOf(card.url);
+            print(listLine(id, books::cardValues(card.data), current == id));
+        }
+    } else if (command == u"show"_s) {
+        printJson(contactToJson(dav, fetchCard(dav, chosenContact(dav, args))));
+    } else if (command == u"current"_s) {
+        const QString id = chosenContact(dav, args);
+        const carddav::Card card = fetchCard(dav, id);
+        if (!args.isEmpty())
+            dav.setCurrentContact(id);
+        print(listLine(id, books::cardValues(card.data), true));
+    } else if (command == u"fields"_s) {
+        for (const carddav::BookField& f : book.fields())
+            print(u"%1\t%2"_s.arg(f.id).arg(oneLine(f.label)));
+    } else if (command == u"export"_s) {
+        QList<carddav::Card> cards;
+        if (args.isEmpty())
+            cards = allCards(book);
+        for (const QString& id : args)
+            cards.append(fetchCard(dav, id));
+        QByteArray out;
+        for (const carddav::Card& card : cards)
+            out += contactToVCard(books::cardValues(card.data));
+        std::fwrite(out.constData(), 1, size_t(out.size()), stdout);
+    }
+    return 0;
+}
+
+int davTransfer(bool create, const books::BookLocation& location, const AnalyseOptions& options)
+{
+    const std::shared_ptr<DavBook> dav = davBook(location);
+    try {
+        dav->book(); // logged in and found: a clear reason before the transfer's short message
+    } catch (const DavError& e) {
+        return failure(e.message());
+    }
+    AnalyseRun run;
+    if (const QString e = analyseInput(options, run); !e.isEmpty())
+        return usageError(e);
+
+    std::optional<QString> written;
+    dav->setWritten([&written](const QString& id) { written = id; });
+    ContactLink link(books::makeDavBookFactory(dav));
+    QJsonArray messages;
+    bool prompted = false;
+    WindowHooks hooks;
+    hooks.showMessage = recordMessages(messages);
+    hooks.showCompletionPrompt = [&prompted](bool) {
+        prompted = true;
+        return Completion::Back;
+    };
+    link.TransferContact(create, run.session, hooks);
+
+    QJsonObject out{
+        {u"mode"_s, create ? u"new"_s : u"edit"_s},
+        {u"transferred"_s, prompted},
+        {u"messages"_s, messages},
+        {u"analysis"_s, analysisToJson(run, false)},
+    };
+    try {
+        if (prompted)
+            out.insert(
+                u"contact"_s,
+                contactToJson(*dav, fetchCard(*dav, written ? *written : chosenContact(*dav, {}))));
+    } catch (const DavError& e) {
+        return failure(e.message());
+    }
+    printJson(out);
+    if (prompted)
+        return 0;
+    QString reason = messages.isEmpty() ? u"nothing transferred"_s
+                                        : messages.last().toObject().value(u"text"_s).toString();
+    if (!link.lastError().isEmpty())
+        reason += u" (%1)"_s.arg(link.lastError());
+    return failure(reason);
+}
+
+int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& options)
+{
     try {
         ContactBook check(path); // a clear reason before the transfer's own short message
     } catch (const BookError& e) {
@@ -202,4 +355,47 @@ int runTransfer(bool create, const QString& file, const AnalyseOptions& options)
     if (!link.lastError().isEmpty())
         reason += u" (%1)"_s.arg(link.lastError());
     return failure(reason);
+}
+
+} // namespace
+
+namespace {
+
+books::BookLocation contactsLocation(const QString& file, const QString& iniFile = {})
+{
+    SharedState state;
+    FieldRows rows;
+    LoadSettings(iniFile.isEmpty() ? settingsFilePath() : iniFile, state, rows);
+    return books::bookLocation(file, state);
+}
+
+} // namespace
+
+bool contactsOnServer(const QString& file)
+{
+    return books::isServerLocation(contactsLocation(file).location);
+}
+
+int runContacts(const QString& command, const QStringList& args, const QString& file)
+{
+    const books::BookLocation location = contactsLocation(file);
+    try {
+        if (books::isServerLocation(location.location))
+            return davContactsCommand(command, args, *davBook(location));
+        return contactsCommand(command, args, location.location);
+    } catch (const BookError& e) {
+        return failure(e.message());
+    } catch (const DavError& e) {
+        return failure(e.message());
+    } catch (const ActError& e) {
+        return failure(e.message());
+    }
+}
+
+int runTransfer(bool create, const QString& file, const AnalyseOptions& options)
+{
+    const books::BookLocation location = contactsLocation(file, options.iniFile);
+    if (books::isServerLocation(location.location))
+        return davTransfer(create, location, options);
+    return sqliteTransfer(create, location.location, options);
 }

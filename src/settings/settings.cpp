@@ -23,6 +23,7 @@ namespace {
 constexpr int LastNumber = std::numeric_limits<qint16>::max();
 
 const QString SectionConfig = u"Config"_s;
+const QString SectionBook = u"Kontakte"_s;
 const QString SectionFields = u"Felder"_s;
 const QString SectionDefinitions = u"Definitionen"_s;
 
@@ -187,6 +188,13 @@ void LoadSettings(const QString& iniPath, SharedState& state, FieldRows& rows)
     state.StandardLand4PLZ = ini.ReadData(SectionConfig, u"StandardLand4PLZ"_s, u"Österreich"_s);
     state.StandardLand5PLZ = ini.ReadData(SectionConfig, u"StandardLand5PLZ"_s, u"Deutschland"_s);
     state.ErweiterteAnalyse = ini.ReadData(SectionConfig, u"ErweiterteAnalyse"_s, u"0"_s) == u"1"_s;
+
+    state.KontakteAdressbuch = ini.ReadData(SectionBook, u"Adressbuch"_s, u""_s).trimmed();
+    state.KontakteBenutzer = ini.ReadData(SectionBook, u"Benutzer"_s, u""_s).trimmed();
+    // A timeout that is no whole number of seconds from 1 to a day keeps the default.
+    bool ok = false;
+    const int timeout = ini.ReadData(SectionBook, u"Timeout"_s, u""_s).trimmed().toInt(&ok);
+    state.KontakteTimeout = ok && timeout >= 1 && timeout <= 86400 ? timeout : 15;
 }
 
 void SaveFieldCache(const QString& iniPath, const FieldRows& rows)

@@ -1,6 +1,7 @@
 #include "contactscommand.h"
 
 #include "../cli.h"
+#include "books/davbook.h"
 
 #include <limits>
 
@@ -35,6 +36,11 @@ const QList<Subcommand>& subcommands()
         {u"fields"_s, {}, u"The book's fields: ID and label."_s, Takes::Nothing},
         {u"add-field"_s, u"ID [LABEL]"_s, u"Adds a field to the book."_s, Takes::FieldAndLabel},
         {u"export"_s, u"[ID...]"_s, u"The contacts (default: all) as vCard 4.0."_s, Takes::Ids},
+        {u"books"_s,
+         {},
+         u"The address books a server or account URL leads to: URL and name (for a file: its "
+         u"path and name)."_s,
+         Takes::Nothing},
     };
     return list;
 }
@@ -48,7 +54,8 @@ const Subcommand* findSubcommand(const QString& name)
 }
 
 // An error text for arguments the subcommand cannot take, or "".
-QString checkArguments(const Subcommand& sub, const QStringList& args)
+// A CardDAV book names its contacts by resource name ("<uid>.vcf").
+QString checkArguments(const Subcommand& sub, const QStringList& args, bool server)
 {
     switch (sub.takes) {
     case Takes::Nothing:
@@ -61,7 +68,7 @@ QString checkArguments(const Subcommand& sub, const QStringList& args)
         [[fallthrough]];
     case Takes::Ids:
         for (const QString& arg : args)
-            if (!parseContactId(arg))
+            if (server ? !books::isDavContactId(arg) : !parseContactId(arg))
                 return u"contacts %1: '%2' is not a contact id"_s.arg(sub.name, arg);
         break;
     case Takes::FieldAndLabel: {
@@ -81,11 +88,13 @@ QString checkArguments(const Subcommand& sub, const QStringList& args)
 
 QCommandLineOption contactsFileOption()
 {
-    return QCommandLineOption(u"contacts"_s,
-                              u"Contact book to use (default: $ZETTELFISCHER_CONTACTS, else "
-                              u"zettelfischer/kontakte.sqlite in the user's data folder; created "
-                              u"on first use)."_s,
-                              u"FILE"_s);
+    return QCommandLineOption(
+        u"contacts"_s,
+        u"Contact book to use: a file, or the http(s) URL of a CardDAV address book, account "
+        u"or server (default: $ZETTELFISCHER_CONTACTS, else [Kontakte] Adressbuch= of the "
+        u"settings, else zettelfischer/kontakte.sqlite in the user's data folder; created on "
+        u"first use)."_s,
+        u"FILE"_s);
 }
 
 QString readContactsFile(const QCommandLineParser& parser, const QCommandLineOption& option,
@@ -127,7 +136,9 @@ int ContactsCommand::execute(const QCommandLineParser& parser)
     const Subcommand* sub = findSubcommand(name);
     if (!sub)
         return usageError(u"contacts: unknown subcommand '%1'"_s.arg(name));
-    if (const QString error = checkArguments(*sub, args); !error.isEmpty())
+    const bool server =
+        sub->takes == Takes::OneId || sub->takes == Takes::Ids ? contactsOnServer(file) : false;
+    if (const QString error = checkArguments(*sub, args, server); !error.isEmpty())
         return usageError(error);
     return runContacts(sub->name, args, file);
 }

@@ -120,6 +120,11 @@ public:
         return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
     }
     quint16 port() const { return m_port; }
+    // Where Radicale keeps a book's cards, one file each.
+    QString storedBook(const QString& path = QStringLiteral("anna/kontakte")) const
+    {
+        return m_dir.filePath(QStringLiteral("store/collection-root/") + path);
+    }
     static QString user() { return QStringLiteral("anna"); }
     static QString password() { return QStringLiteral("geheim 🔑"); }
 

@@ -1,7 +1,7 @@
 // vCard 4.0 export: escaping, folding, and whole cards compared with the expected files in
 // data/ (a mismatch leaves the actual card beside its file as NAME.vcf.actual).
 
-#include "act/vcard.h"
+#include "books/sqlite/vcard.h"
 
 #include <QtTest>
 

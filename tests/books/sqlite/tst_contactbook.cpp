@@ -1,8 +1,8 @@
 // The embedded contact book on disk, and the transfer and the field-list loading end to end
 // against a real book in a temporary folder.
 
-#include "act/contactbook.h"
-#include "recorder.h"
+#include "act/recorder.h"
+#include "books/sqlite/contactbook.h"
 
 #include <QtTest>
 

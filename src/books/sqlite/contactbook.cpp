@@ -142,6 +142,12 @@ ContactBook::ContactBook(const QString& path, Access access) : m_path(path)
 {
     if (path.isEmpty())
         throw BookError(BookError::CannotOpen, u"no contact book file given"_s);
+    // A CardDAV address reaching the file book would otherwise become folders named "http:".
+    if (path.startsWith(u"http://"_s, Qt::CaseInsensitive) ||
+        path.startsWith(u"https://"_s, Qt::CaseInsensitive))
+        throw BookError(
+            BookError::CannotOpen,
+            u"'%1' is the address of a CardDAV book, not a contact book file"_s.arg(path));
     const QByteArray native = QFile::encodeName(path);
     struct stat st {};
     const bool exists = ::stat(native.constData(), &st) == 0;

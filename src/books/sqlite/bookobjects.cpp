@@ -1,7 +1,10 @@
 // The automation objects on the embedded contact book: what a fresh machine talks to.
 
 #include "contactbook.h"
-#include "contactlink.h"
+#include "sqlitebook.h"
+
+#include <QDir>
+#include <QStandardPaths>
 
 #include <limits>
 #include <utility>
@@ -228,6 +231,22 @@ std::shared_ptr<ObjectFactory> makeContactBookFactory(const QString& bookPath,
                                                       TransferWritten written)
 {
     return std::make_shared<BookFactory>(bookPath, std::move(written));
+}
+
+QString defaultContactBookPath()
+{
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
+        .filePath(u"zettelfischer/kontakte.sqlite"_s);
+}
+
+QString contactBookPath(const QString& explicitFile)
+{
+    if (!explicitFile.isEmpty())
+        return explicitFile;
+    const QString fromEnvironment = qEnvironmentVariable("ZETTELFISCHER_CONTACTS");
+    if (!fromEnvironment.isEmpty())
+        return fromEnvironment;
+    return defaultContactBookPath();
 }
 
 } // namespace zf::act

@@ -1,0 +1,409 @@
+#include "davbook.h"
+
+#include "analysis/fields.h"
+#include "credentials/credentials.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMap>
+
+#include <cstdio>
+#include <limits>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace zf::books {
+
+using carddav::DavError;
+
+namespace {
+
+QString stateFile()
+{
+    return QDir(stateFolder()).filePath(u"carddav.json"_s);
+}
+
+QJsonObject readState()
+{
+    QFile f(stateFile());
+    if (!f.open(QIODevice::ReadOnly))
+        return {};
+    return QJsonDocument::fromJson(f.readAll()).object();
+}
+
+QString userOf(const BookLocation& location)
+{
+    const QString fromUrl = QUrl(location.location).userName();
+    return fromUrl.isEmpty() ? location.user : fromUrl;
+}
+
+} // namespace
+
+QString stateFolder()
+{
+    QString base = qEnvironmentVariable("XDG_STATE_HOME");
+    if (base.isEmpty() || !QDir::isAbsolutePath(base))
+        base = QDir::home().filePath(u".local/state"_s);
+    return QDir(base).filePath(u"zettelfischer"_s);
+}
+
+QString contactIdOf(const QUrl& card)
+{
+    return card.fileName();
+}
+
+bool isDavContactId(const QString& id)
+{
+    return !id.isEmpty() && !id.contains(u'/') && id != u"."_s && id != u".."_s;
+}
+
+QList<act::BookValue> cardValues(const QByteArray& data)
+{
+    const carddav::VCard card = carddav::VCard::parse(data);
+    QList<act::BookValue> out;
+    for (const StandardField& f : StandardFields) {
+        const QString value = card.field(idOf(f.id));
+        if (!value.isEmpty())
+            out.append({idOf(f.id), fieldName(f), value});
+    }
+    QMap<qint32, QString> user;
+    for (const carddav::BookField& f : card.userFields())
+        user.insert(f.id, f.label);
+    for (auto it = user.cbegin(); it != user.cend(); ++it)
+        if (const QString value = card.field(it.key()); !value.isEmpty())
+            out.append({it.key(), it.value(), value});
+    return out;
+}
+
+DavBook::DavBook(BookLocation location, std::shared_ptr<credentials::Credentials> credentials)
+    : m_location(std::move(location)), m_credentials(std::move(credentials))
+{
+}
+
+std::shared_ptr<carddav::DavClient>
+DavBook::logIn(const std::function<void(carddav::DavClient&)>& use)
+{
+    const QUrl start(m_location.location);
+    const QString user = userOf(m_location);
+    QUrl bare = start;
+    bare.setUserInfo({});
+    if (!m_credentials) {
+        auto client = std::make_shared<carddav::DavClient>(user, start.password());
+        client->setTimeout(m_location.timeout);
+        use(*client);
+        return client;
+    }
+    std::shared_ptr<carddav::DavClient> taken;
+    bool refused = false; // a password was sent and the server said no
+    const credentials::LoginResult login =
+        m_credentials->logIn(start, user, [&](const QString& password) {
+            auto client = std::make_shared<carddav::DavClient>(user, password);
+            client->setTimeout(m_location.timeout);
+            try {
+                use(*client);
+            } catch (const DavError& e) {
+                if (e.kind() != DavError::Unauthorized)
+                    throw;
+                refused = refused || !password.isEmpty();
+                return false;
+            }
+            taken = client;
+            return true;
+        });
+    if (login.outcome == credentials::LoginResult::Accepted)
+        return taken;
+    const QString account =
+        u"%1 at %2"_s.arg(user.isEmpty() ? u"(no user)"_s : user, credentials::serverName(start));
+    if (refused)
+        throw DavError(
+            DavError::Unauthorized,
+            u"the server refused the password of %1 (HTTP 401, %2)"_s.arg(account, bare.toString()),
+            401);
+    throw DavError(
+        DavError::Unauthorized,
+        u"no password for %1: set %2, store it in the keyring, or run the command "
+        u"on a terminal to be asked (HTTP 401, %3)"_s.arg(
+            account, QString::fromLatin1(credentials::PasswordVariable), bare.toString()),
+        401);
+}
+
+carddav::AddressBook& DavBook::book()
+{
+    if (!m_book) {
+        QUrl found;
+        const QUrl start(m_location.location);
+        m_client = logIn([&](carddav::DavClient& client) { found = client.resolve(start).url; });
+        m_book = std::make_unique<carddav::AddressBook>(m_client, found);
+    }
+    return *m_book;
+}
+
+QList<carddav::AddressBookInfo> DavBook::addressBooks()
+{
+    QList<carddav::AddressBookInfo> books;
+    const QUrl start(m_location.location);
+    logIn([&](carddav::DavClient& client) { books = client.addressBooks(start); });
+    return books;
+}
+
+QUrl DavBook::cardUrl(const QString& contactId)
+{
+    return book().url().resolved(QUrl(QString::fromUtf8(QUrl::toPercentEncoding(contactId))));
+}
+
+QString DavBook::stateKey()
+{
+    return book().url().adjusted(QUrl::RemoveUserInfo).toString();
+}
+
+std::optional<QString> DavBook::currentContact()
+{
+    const QString id = readState().value(u"current"_s).toObject().value(stateKey()).toString();
+    if (!isDavContactId(id))
+        return m_current;
+    return id;
+}
+
+void DavBook::setCurrentContact(const QString& contactId)
+{
+    m_current = contactId;
+    const QString key = stateKey();
+    QJsonObject state = readState();
+    QJsonObject current = state.value(u"current"_s).toObject();
+    current.insert(key, contactId);
+    state.insert(u"current"_s, current);
+    if (!QDir().mkpath(stateFolder()))
+        throw act::ActError(u"cannot create the state folder %1"_s.arg(stateFolder()));
+    // A new file renamed over the old one: never half written. Not flushed to disk, as a
+    // current contact lost in a crash costs nothing, while the flush would cost every transfer.
+    const QString target = stateFile();
+    QFile f(target + u".tmp-"_s + QString::number(QCoreApplication::applicationPid()));
+    const bool written = f.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                         f.write(QJsonDocument(state).toJson()) >= 0 && f.flush();
+    f.close();
+    if (!written || ::rename(QFile::encodeName(f.fileName()).constData(),
+                             QFile::encodeName(target).constData()) != 0) {
+        f.remove();
+        throw act::ActError(u"cannot write %1"_s.arg(target));
+    }
+}
+
+namespace {
+
+using DavBookPtr = std::shared_ptr<DavBook>;
+
+// Every server failure reaches the caller as the one automation error.
+template <typename F> auto guarded(F&& f)
+{
+    try {
+        return f();
+    } catch (const DavError& e) {
+        throw act::ActError(e.message());
+    }
+}
+
+// Collects a transfer's values and writes the card once at its end: one PUT for a new
+// contact, a read and one conditional PUT for an edit.
+class DavContactView : public act::ContactViewObject {
+public:
+    explicit DavContactView(DavBookPtr book) : m_book(std::move(book)) {}
+    void AddNewContact() override { m_transfer = Transfer{true, {}, {}}; }
+    // Without AddNewContact the transfer edits the book's current contact, taken at its first
+    // write, as the SQLite book does.
+    void SetField(qint32 fieldId, const QString& value) override
+    {
+        failing([&] {
+            if (!m_transfer) {
+                const std::optional<QString> current = m_book->currentContact();
+                if (!current)
+                    throw act::ActError(u"the address book has no current contact"_s);
+                m_transfer = Transfer{false, *current, {}};
+            }
+            if (fieldId < 1 || fieldId > std::numeric_limits<qint16>::max())
+                throw act::ActError(u"the address book has no field %1"_s.arg(fieldId));
+            m_transfer->values.append({fieldId, value, {}});
+        });
+    }
+    void EndTransfer() override
+    {
+        if (!m_transfer)
+            return;
+        failing([&] {
+            Transfer transfer = *std::exchange(m_transfer, std::nullopt);
+            carddav::AddressBook& book = m_book->book();
+            labelUserFields(book, transfer.values);
+            const carddav::CardRef written =
+                transfer.create ? book.create(transfer.values)
+                                : book.update(m_book->cardUrl(transfer.contact), transfer.values);
+            const QString id = contactIdOf(written.url);
+            // The card is filed: a state folder we cannot write must not turn that into a
+            // failure, which would invite a second "Neu Anlegen". This run still knows it.
+            try {
+                m_book->setCurrentContact(id);
+            } catch (const act::ActError&) {
+            }
+            m_book->written(id);
+        });
+    }
+
+private:
+    struct Transfer {
+        bool create = false;
+        QString contact; // the one an edit writes into
+        QList<carddav::FieldValue> values;
+    };
+    // User fields carry their label in the card; the book knows the labels already used.
+    static void labelUserFields(carddav::AddressBook& book, QList<carddav::FieldValue>& values)
+    {
+        bool any = false;
+        for (const carddav::FieldValue& v : values)
+            any = any || !standardField(v.fieldId);
+        if (!any)
+            return;
+        QMap<qint32, QString> labels;
+        for (const carddav::BookField& f : book.fields())
+            labels.insert(f.id, f.label);
+        for (carddav::FieldValue& v : values)
+            if (!standardField(v.fieldId))
+                v.label = labels.value(v.fieldId);
+    }
+    template <typename F> void failing(F&& f)
+    {
+        try {
+            guarded(std::forward<F>(f));
+        } catch (...) {
+            m_transfer.reset();
+            throw;
+        }
+    }
+    DavBookPtr m_book;
+    std::optional<Transfer> m_transfer;
+};
+
+class DavViews : public act::ViewsObject {
+public:
+    explicit DavViews(DavBookPtr book) : m_book(std::move(book)) {}
+    std::shared_ptr<act::ContactViewObject> Create(qint16 viewType,
+                                                   const QString& viewName) override
+    {
+        if (viewType != act::ContactViewType || viewName != act::ContactViewName)
+            throw act::ActError(u"no view %1 \"%2\""_s.arg(viewType).arg(viewName));
+        return std::make_shared<DavContactView>(m_book);
+    }
+
+private:
+    DavBookPtr m_book;
+};
+
+class DavApplication : public act::ApplicationObject {
+public:
+    explicit DavApplication(DavBookPtr book) : m_book(std::move(book)) {}
+    std::shared_ptr<act::ViewsObject> Views() override
+    {
+        return std::make_shared<DavViews>(m_book);
+    }
+
+private:
+    DavBookPtr m_book;
+};
+
+using FieldList = std::shared_ptr<const QList<carddav::BookField>>;
+
+class DavFields : public act::FieldsObject {
+public:
+    explicit DavFields(FieldList fields) : m_fields(std::move(fields)) {}
+    qint32 FieldIdAt(qint16 position) override
+    {
+        if (position < 0 || position >= m_fields->size())
+            throw act::ActError(u"no field at position %1"_s.arg(position));
+        return m_fields->at(position).id;
+    }
+    QString Label(qint32 fieldId) override
+    {
+        for (const carddav::BookField& f : *m_fields)
+            if (f.id == fieldId)
+                return f.label;
+        throw act::ActError(u"no field %1"_s.arg(fieldId));
+    }
+
+private:
+    FieldList m_fields;
+};
+
+class DavContact : public act::ContactObject {
+public:
+    explicit DavContact(FieldList fields) : m_fields(std::move(fields)) {}
+    std::shared_ptr<act::FieldsObject> Fields() override
+    {
+        return std::make_shared<DavFields>(m_fields);
+    }
+    qint16 FieldCount() override
+    {
+        if (m_fields->size() > std::numeric_limits<qint16>::max())
+            throw act::ActError(u"too many fields (%1)"_s.arg(m_fields->size()));
+        return qint16(m_fields->size());
+    }
+
+private:
+    FieldList m_fields;
+};
+
+// Opening reads the field list once: the standard fields and the user fields the cards use.
+class DavDatabase : public act::DatabaseObject {
+public:
+    explicit DavDatabase(DavBookPtr book) : m_book(std::move(book)) {}
+    void OpenEx(const QString&) override
+    {
+        m_fields = guarded([&] {
+            return std::make_shared<const QList<carddav::BookField>>(m_book->book().fields());
+        });
+    }
+    std::optional<bool> IsOpen() override { return m_fields != nullptr; }
+    std::shared_ptr<act::ContactObject> Contact() override
+    {
+        if (!m_fields)
+            throw act::ActError(u"no address book is open"_s);
+        return std::make_shared<DavContact>(m_fields);
+    }
+
+private:
+    DavBookPtr m_book;
+    FieldList m_fields;
+};
+
+// A server is asked when the book is opened; there is no program to wait for.
+class DavEvents : public act::EventControl {
+public:
+    std::optional<bool> IsActRunning() override { return true; }
+};
+
+class DavFactory : public act::ObjectFactory {
+public:
+    explicit DavFactory(DavBookPtr book) : m_book(std::move(book)) {}
+    std::shared_ptr<act::AutomationObject> CreateObject(const QString& progId) override
+    {
+        if (progId == act::ProgIdApplication)
+            return std::make_shared<DavApplication>(m_book);
+        if (progId == act::ProgIdDatabase)
+            return std::make_shared<DavDatabase>(m_book);
+        throw act::ActError(u"cannot create object \"%1\""_s.arg(progId));
+    }
+    act::EventControl& eventControl() override { return m_events; }
+
+private:
+    DavBookPtr m_book;
+    DavEvents m_events;
+};
+
+} // namespace
+
+std::shared_ptr<act::ObjectFactory> makeDavBookFactory(std::shared_ptr<DavBook> book)
+{
+    return std::make_shared<DavFactory>(std::move(book));
+}
+
+} // namespace zf::books

@@ -1,0 +1,71 @@
+#pragma once
+
+// A CardDAV address book as the program uses it: logged in once, its contacts named by their
+// resource names, and the current contact remembered per book in the user's state folder.
+
+#include "books.h"
+#include "books/carddav/addressbook.h"
+#include "books/sqlite/contactbook.h"
+
+#include <QUrl>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace zf::books {
+
+// The folder for what the program remembers between runs: $XDG_STATE_HOME/zettelfischer,
+// ~/.local/state/zettelfischer when unset.
+QString stateFolder();
+
+// The contact id of a card: its resource name ("<uid>.vcf").
+QString contactIdOf(const QUrl& card);
+// Whether a text can be a contact id of a CardDAV book.
+bool isDavContactId(const QString& id);
+
+// The card's values as the SQLite book gives them: the standard fields in their order, then
+// the user fields by id.
+QList<act::BookValue> cardValues(const QByteArray& card);
+
+class DavBook {
+public:
+    DavBook(BookLocation location, std::shared_ptr<credentials::Credentials> credentials);
+
+    const BookLocation& location() const { return m_location; }
+    // Logs in and finds the book on first use; a DavError when that fails (Unauthorized for
+    // a password refused or not to be had).
+    carddav::AddressBook& book();
+    // The address books the location leads to (a server, account or book URL).
+    QList<carddav::AddressBookInfo> addressBooks();
+
+    QUrl cardUrl(const QString& contactId);
+    // The contact last filed through the program into this book, or chosen as current; kept
+    // in the state folder, and for this object's life also when that cannot be written.
+    std::optional<QString> currentContact();
+    // An ActError when the state file cannot be written.
+    void setCurrentContact(const QString& contactId);
+
+    // Told the contact id after every transfer that wrote (tests, the command line).
+    void setWritten(std::function<void(const QString&)> written) { m_written = std::move(written); }
+    void written(const QString& contactId) const
+    {
+        if (m_written)
+            m_written(contactId);
+    }
+
+private:
+    std::shared_ptr<carddav::DavClient> logIn(const std::function<void(carddav::DavClient&)>& use);
+    QString stateKey();
+
+    BookLocation m_location;
+    std::shared_ptr<credentials::Credentials> m_credentials;
+    std::unique_ptr<carddav::AddressBook> m_book;
+    std::shared_ptr<carddav::DavClient> m_client;
+    std::function<void(const QString&)> m_written;
+    std::optional<QString> m_current; // when the state file has none for this book
+};
+
+std::shared_ptr<act::ObjectFactory> makeDavBookFactory(std::shared_ptr<DavBook> book);
+
+} // namespace zf::books
