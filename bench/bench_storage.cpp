@@ -3,6 +3,7 @@
 
 #include "act/contactlink.h"
 #include "analysis/session.h"
+#include "books/sqlite/sqlitebook.h"
 #include "settings/settings.h"
 
 #include <QFile>

@@ -62,6 +62,3 @@ private:
 };
 
 } // namespace zf::act
-
-// The window's entry point still reaches the SQLite book through this header.
-#include "books/sqlite/sqlitebook.h"

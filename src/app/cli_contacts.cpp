@@ -8,6 +8,7 @@
 #include "books/books.h"
 #include "books/davbook.h"
 #include "books/sqlite/contactbook.h"
+#include "books/sqlite/sqlitebook.h"
 #include "books/sqlite/vcard.h"
 #include "credentials/terminal.h"
 #include "settings/settings.h"

@@ -1,7 +1,9 @@
 // zettelfischer: the main window.
 
 #include "act/contactlink.h"
+#include "books/books.h"
 #include "settings/settings.h"
+#include "ui/formpasswort.h"
 #include "ui/mainwindow.h"
 #include "ui/windowhelpers.h"
 #include "version.h"
@@ -67,12 +69,14 @@ Arguments parseArguments(int argc, char** argv)
     return result;
 }
 
-// The only place a chosen book becomes a factory. Server books are not wired yet.
-std::shared_ptr<zf::act::ObjectFactory> openBook(const zf::ui::BookChoice& choice)
+// The only place a chosen book becomes a factory: a path is the SQLite book, a URL a CardDAV
+// book that logs in with the window's credentials.
+std::function<std::shared_ptr<zf::act::ObjectFactory>(const zf::ui::BookChoice&)>
+bookOpener(std::shared_ptr<zf::credentials::Credentials> credentials, std::chrono::seconds timeout)
 {
-    if (choice.isServer())
-        return nullptr;
-    return zf::act::makeContactBookFactory(choice.location);
+    return [credentials, timeout](const zf::ui::BookChoice& choice) {
+        return zf::books::makeBookFactory({choice.location, choice.user, timeout}, credentials);
+    };
 }
 
 } // namespace
@@ -91,18 +95,29 @@ int main(int argc, char** argv)
     QGuiApplication::setDesktopFileName(u"example.zettelfischer.Zettelfischer"_s);
     zf::ui::UseGermanQtTexts();
 
-    zf::ui::BookChoice book{zf::act::contactBookPath(args.contactsFile), {}};
-    // The book chosen in the window counts when nothing else names one.
-    if (args.contactsFile.isEmpty() && qEnvironmentVariableIsEmpty("ZETTELFISCHER_CONTACTS")) {
-        if (const auto remembered = zf::ui::rememberedBook(); remembered && !remembered->isServer())
-            book = *remembered;
-    }
-    zf::ui::MainWindow window({.iniPath = zf::settingsFilePath(),
+    // The book: --contacts, $ZETTELFISCHER_CONTACTS, the settings file, the one chosen in the
+    // window last time, else the embedded book.
+    const QString iniPath = zf::settingsFilePath();
+    zf::SharedState settings;
+    zf::FieldRows rows;
+    zf::LoadSettings(iniPath, settings, rows);
+    zf::books::BookLocation remembered;
+    if (const auto choice = zf::ui::rememberedBook())
+        remembered = {choice->location, choice->user};
+    const zf::books::BookLocation where =
+        zf::books::bookLocation(args.contactsFile, settings, remembered);
+    const zf::ui::BookChoice book{where.location, where.user};
+
+    auto credentials =
+        std::make_shared<zf::credentials::Credentials>(zf::ui::PasswordDialogAsk(nullptr));
+    const auto openBook =
+        bookOpener(credentials, std::chrono::duration_cast<std::chrono::seconds>(where.timeout));
+    zf::ui::MainWindow window({.iniPath = iniPath,
                                .programDir = QApplication::applicationDirPath(),
                                .contacts = openBook(book),
                                .openBook = openBook,
                                .enhancedAnalysis = zf::ui::rememberedEnhancedAnalysis()},
-                              book);
+                              book, credentials);
     window.show();
     window.StartUp();
     return QApplication::exec();

@@ -72,9 +72,10 @@ QString BookLabel(const BookChoice& book)
     return user.isEmpty() ? server : user + u'@' + server;
 }
 
-MainWindow::MainWindow(MainOptions options, BookChoice book, QWidget* parent)
+MainWindow::MainWindow(MainOptions options, BookChoice book,
+                       std::shared_ptr<credentials::Credentials> credentials, QWidget* parent)
     : QMainWindow(parent), m_form(new formMain(std::move(options), this)), m_book(std::move(book)),
-      m_credentials(PasswordDialogAsk(this))
+      m_credentials(std::move(credentials))
 {
     setObjectName(u"MainWindow"_s);
     setCentralWidget(m_form);
@@ -119,7 +120,7 @@ void MainWindow::StartUp()
 
 void MainWindow::ChooseContactBook()
 {
-    const std::optional<BookChoice> choice = ChooseBook(m_book, &m_credentials, this);
+    const std::optional<BookChoice> choice = ChooseBook(m_book, m_credentials.get(), this);
     if (!choice || !m_form->UseBook(*choice))
         return;
     m_book = *choice;

@@ -32,7 +32,9 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
     // book: the one options.contacts was made for, shown in the menu.
-    MainWindow(MainOptions options, BookChoice book, QWidget* parent = nullptr);
+    // The credentials are those the books log in with; the book dialog asks through them too.
+    MainWindow(MainOptions options, BookChoice book,
+               std::shared_ptr<credentials::Credentials> credentials, QWidget* parent = nullptr);
     ~MainWindow() override;
 
     formMain& form() { return *m_form; }
@@ -55,7 +57,7 @@ private:
     formMain* m_form;
     BookChoice m_book;
     // One for the whole run, so a password given once is not asked for again.
-    credentials::Credentials m_credentials;
+    std::shared_ptr<credentials::Credentials> m_credentials;
 };
 
 } // namespace zf::ui

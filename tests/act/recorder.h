@@ -4,6 +4,7 @@
 // every window hook lands, in order, in one call list; any automation call can be made to fail.
 
 #include "act/contactlink.h"
+#include "books/sqlite/sqlitebook.h"
 
 #include <QMap>
 #include <QStringList>

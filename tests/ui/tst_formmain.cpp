@@ -5,6 +5,7 @@
 
 #include "act/messages.h"
 #include "analysis/messages.h"
+#include "books/sqlite/sqlitebook.h"
 #include "ui/formfertigabfrage.h"
 #include "ui/formmain.h"
 #include "ui/windowhelpers.h"

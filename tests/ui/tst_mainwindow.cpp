@@ -4,6 +4,7 @@
 
 #include "uitest.h"
 
+#include "books/sqlite/sqlitebook.h"
 #include "ui/formfertigabfrage.h"
 #include "ui/mainwindow.h"
 
@@ -97,7 +98,9 @@ struct Fixture {
             return booksOpen ? open(choice.location) : nullptr;
         };
         options.enhancedAnalysis = rememberedEnhancedAnalysis();
-        window = std::make_unique<MainWindow>(std::move(options), BookChoice{book, {}});
+        window = std::make_unique<MainWindow>(
+            std::move(options), BookChoice{book, {}},
+            std::make_shared<credentials::Credentials>(credentials::AskFunction{}, std::nullopt));
         QGuiApplication::clipboard()->setText(clipboard);
         window->show();
         if (!QTest::qWaitForWindowExposed(window.get()))
