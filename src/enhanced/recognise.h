@@ -1,7 +1,7 @@
 #pragma once
 
 // Recognisers for single pieces of address text: each looks at one line or value on its
-// own and says what it is. The analysis (enhanced.cpp) puts them in context.
+// own and says what it is. The analysis (engine.h) puts them in context.
 
 #include "knowledge.h"
 
