@@ -258,7 +258,8 @@ void Analysis::assemble()
             s.labelled && s.value.isEmpty() ? s.text : (s.value.isEmpty() ? s.text : s.value));
         take(street, u"Adresse"_s);
         if (extraLine >= 0) {
-            secondLines.append(m_lines[extraLine].text);
+            secondLines.append(m_lines[extraLine].labelled ? m_lines[extraLine].value
+                                                           : m_lines[extraLine].text);
             take(extraLine, u"Adresse 2"_s);
         }
         if (poBox >= 0) {

@@ -69,6 +69,17 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
                 from = i + 1;
             }
         QList<Line> pieces = piecesOf(parts);
+        // "Name:<tab>Meier, Hans": a known label and its value in the next cell.
+        for (qsizetype i = 0; i + 1 < pieces.size(); ++i) {
+            if (!pieces[i].text.endsWith(u':'))
+                continue;
+            const auto hit = ParseLabel(pieces[i].text);
+            if (!hit || !hit->known || !hit->rest.isEmpty() ||
+                hit->label.kind == LabelKind::SkipBlock || ParseLabel(pieces[i + 1].text))
+                continue;
+            pieces[i].text += u' ' + pieces[i + 1].text;
+            pieces.removeAt(i + 1);
+        }
         QList<Line> result;
         bool placed = false;
         for (Line& p : pieces) {
@@ -116,6 +127,23 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
     }
     Line whole = line;
     classifyOne(whole);
+    // "Marketing Lead, Muster GmbH" and "Eva Roth, Inhaberin": a job beside a firm or name.
+    if ((whole.kind == Kind::Job || (whole.kind == Kind::Company && !whole.labelled)) &&
+        depth < 3 && line.text.count(u", "_s) == 1) {
+        QList<Line> pieces = piecesOf(line.text.split(u", "_s));
+        if (pieces.size() == 2) {
+            classifyOne(pieces[0]);
+            classifyOne(pieces[1]);
+            const bool jobThenFirm = pieces[0].kind == Kind::Job && pieces[1].kind == Kind::Company;
+            const bool nameThenJob =
+                pieces[1].kind == Kind::Job && pieces[0].nameShaped &&
+                (pieces[0].kind == Kind::Unknown || pieces[0].kind == Kind::Person);
+            if (jobThenFirm || nameThenJob) {
+                out.append(pieces);
+                return;
+            }
+        }
+    }
     // "Street 1, 12345 City" and "Postfach 12, 12345 City"
     if ((whole.kind == Kind::Unknown || whole.kind == Kind::Noise) && line.text.contains(u", "_s) &&
         depth < 3) {
@@ -183,8 +211,18 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         [[fallthrough]];
     case LabelKind::Name:
     case LabelKind::Role: {
+        // "Verantwortlich:" over the firm's own line.
+        if (label.kind == LabelKind::Role && HasLegalForm(value)) {
+            l.kind = Kind::Company;
+            l.strength = 3;
+            l.why += u"Firma hinter dem Etikett"_s;
+            return;
+        }
         // A list of people: the first one counts.
         QString first = value;
+        // "1. Vorsitzende: Name" under "Vertreten durch:".
+        if (const qsizetype colon = first.indexOf(u": "_s); colon > 0)
+            first = first.mid(colon + 2);
         for (const QString& sep : {u", "_s, u" und "_s, u" and "_s, u" & "_s, u"; "_s}) {
             // "Meier, Hans" is one person, written surname first.
             if (sep == u", "_s && label.kind != LabelKind::Role) {
@@ -199,6 +237,9 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
             if (at > 0)
                 first = first.left(at);
         }
+        // "Dr. Hans Meier (Vorsitzender)": the note is no part of the name.
+        if (const qsizetype open = first.indexOf(u" ("_s); open > 0 && first.endsWith(u')'))
+            first = first.left(open);
         if (auto p = ParsePerson(first, false)) {
             l.kind = Kind::Person;
             l.person = *p;
@@ -283,6 +324,10 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
             l.kind = Kind::Postcode;
             l.place.plz = value;
         }
+        return;
+    case LabelKind::Address2:
+        l.kind = Kind::Address2;
+        l.why += u"Adresszusatz hinter dem Etikett"_s;
         return;
     case LabelKind::City:
         l.kind = Kind::City;
@@ -384,6 +429,14 @@ bool Analysis::classifyOne(Line& l)
     if (const QString c = CountryName(t); !c.isEmpty()) {
         l.value = c;
         return is(Kind::Country, u"Ländername"_s);
+    }
+    if (const QStringView signer = WithoutProxyMark(t); !signer.isEmpty()) {
+        if (const auto p = ParsePerson(signer, false)) {
+            l.person = *p;
+            l.nameShaped = true;
+            l.personSource = PersonSource::Marked;
+            return is(Kind::Person, u"Name hinter \"i. A.\" oder \"ppa.\""_s);
+        }
     }
     if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s))
         return is(Kind::Prose, u"beginnt klein: Satz"_s);

@@ -91,8 +91,16 @@ bool IsCompanyWordLine(QStringView text)
 
 bool IsDepartmentLine(QStringView text)
 {
+    const Knowledge& k = knowledge();
     const QList<QStringView> w = Words(text);
-    return w.size() >= 2 && knowledge().departmentWords.words.contains(Bare(w[0]));
+    if (w.size() == 1) {
+        // A compound on its own ("Bauamt", "Personalabteilung"), unless it names an authority.
+        const QString bare = Bare(w[0]);
+        return w[0][0].isUpper() && !k.departmentWords.words.contains(bare) &&
+               k.departmentWords.has(bare) && !k.companyWords.words.contains(bare);
+    }
+    return k.departmentWords.words.contains(Bare(w[0])) ||
+           k.departmentWords.words.contains(Bare(w[0]) + u' ' + Bare(w[1]));
 }
 
 bool IsJobLine(QStringView text)
@@ -205,6 +213,16 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     p.titel = titles.join(u' ');
     p.knownGiven = IsKnownGivenName(names[0]);
     return p;
+}
+
+QStringView WithoutProxyMark(QStringView text)
+{
+    static const QStringList marks{u"i. A. "_s, u"i.A. "_s, u"i. V. "_s, u"i.V. "_s,
+                                   u"ppa. "_s,  u"pp. "_s,  u"p.p. "_s,  u"i. Auftr. "_s};
+    for (const QString& m : marks)
+        if (text.startsWith(m, Qt::CaseInsensitive))
+            return text.mid(m.size()).trimmed();
+    return {};
 }
 
 QString SalutationOnly(QStringView text)

@@ -182,7 +182,10 @@ std::optional<LabelHit> ParseLabel(QStringView text)
     const qsizetype colon = text.indexOf(u':');
     if (colon > 0 && colon <= 60 && !text.mid(colon).startsWith(u"://"_s)) {
         const QStringView name = text.left(colon).trimmed();
-        if (!name.isEmpty() && CountDigitsIn(name) == 0 && !name.contains(u'@') &&
+        // An ordinal may open a label ("1. Vorsitzende:"), other digits make it a value.
+        const bool ordinal = name.size() > 3 && isDigit(name[0]) && name[1] == u'.' &&
+                             name[2] == u' ' && CountDigitsIn(name) == 1;
+        if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal) && !name.contains(u'@') &&
             Words(name).size() <= 6) {
             LabelHit hit;
             hit.name = name.toString();
@@ -220,6 +223,9 @@ std::optional<LabelHit> ParseLabel(QStringView text)
             fits = !FindEMail(rest).isEmpty();
         else if (label->kind == LabelKind::Web)
             fits = !FindWebHost(rest, true).isEmpty();
+        else if (label->kind == LabelKind::Role)
+            // An abbreviated role in front of a name: "Inh. Eva Roth".
+            fits = n == 1 && words[0].endsWith(u'.') && ParsePerson(rest, false).has_value();
         if (!fits)
             continue;
         LabelHit hit;
