@@ -1,5 +1,7 @@
 #include "engine.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
@@ -222,10 +224,16 @@ void Analysis::context()
 
     // People: behind a closing formula, or a name with more evidence.
     QStringList mailLocals;
-    for (int i = m_from; i < m_to; ++i)
-        if (!m_lines[i].skipped && m_lines[i].kind == Kind::Email)
-            if (mailLocals.size() < 8)
-                mailLocals.append(m_lines[i].value.section(u'@', 0, 0).toLower());
+    QStringList domains;
+    for (int i = m_from; i < m_to; ++i) {
+        const Line& l = m_lines[i];
+        if (l.skipped || (l.kind != Kind::Email && l.kind != Kind::Website))
+            continue;
+        if (l.kind == Kind::Email && mailLocals.size() < 8)
+            mailLocals.append(l.value.section(u'@', 0, 0).toLower());
+        if (domains.size() < 8)
+            domains.append(l.value.section(u'@', -1).toLower());
+    }
     const auto fold = [](const QString& s) {
         QString out;
         for (QChar c : s.toLower()) {
@@ -295,6 +303,14 @@ void Analysis::context()
         if (inMail(l.person)) {
             evidence += 2;
             reasons.append(u"Name in der E-Mail-Adresse"_s);
+        }
+        // An owner's firm carries the surname in its domain ("glaserei-wollny.de").
+        const QString surname = fold(l.person.nachname.section(u' ', -1));
+        if (surname.size() >= 4 && !l.person.vorname.isEmpty() &&
+            std::any_of(domains.cbegin(), domains.cend(),
+                        [&surname](const QString& d) { return d.contains(surname); })) {
+            evidence += 1;
+            reasons.append(u"Nachname in der Domain"_s);
         }
         const int next = nextInBlock(i);
         if (next >= 0 && m_lines[next].kind == Kind::Job) {

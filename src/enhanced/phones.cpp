@@ -34,6 +34,10 @@ std::optional<PhoneNumber> ParsePhone(QStringView value, bool strict)
             return false;
         if (isDigit(value[i]))
             return true;
+        // A scanned 5 read as S ends a digit group: "66 41 0S".
+        if (value[i] == u'S' && i > 0 && isDigit(value[i - 1]) &&
+            (i + 1 == value.size() || value[i + 1] == u' '))
+            return true;
         // An OCR slip counts when a real digit or another slip stands beside it.
         return isDigitLike(value[i]) && ((i > 0 && isDigit(value[i - 1])) ||
                                          (i + 1 < value.size() && isDigit(value[i + 1])) ||
@@ -50,7 +54,7 @@ std::optional<PhoneNumber> ParsePhone(QStringView value, bool strict)
     for (; i < value.size(); ++i) {
         const QChar c = value[i];
         if (digitAt(i)) {
-            number.append(asDigit(c));
+            number.append(c == u'S' ? u'5' : asDigit(c));
             ++digits;
         } else if (numberChars.contains(c)) {
             // A bracket that opens words is a note, not an area code.
