@@ -32,6 +32,20 @@ void Analysis::assemble()
 
     // The address: the first street, its postcode line, a PO box or building beside it.
     int street = first([](const Line& l) { return l.kind == Kind::Street && l.strength >= 2; });
+    // A street with its postcode line beats one standing alone (a letter's subject).
+    const auto placeAfter = [&](int s) {
+        for (int i = s; i < m_to && i <= s + 4; ++i)
+            if (usable(i) && m_lines[i].kind == Kind::PostcodeCity)
+                return true;
+        return false;
+    };
+    if (street >= 0 && !placeAfter(street))
+        for (int i = street + 1; i < m_to; ++i)
+            if (usable(i) && m_lines[i].kind == Kind::Street && m_lines[i].strength >= 2 &&
+                placeAfter(i)) {
+                street = i;
+                break;
+            }
     int place = -1;
     if (street >= 0) {
         for (int i = street; i < m_to && i <= street + 4; ++i)
