@@ -242,7 +242,7 @@ bool IsPoBox(QStringView text)
             continue;
         const QStringView rest = QStringView(lower).mid(h.size()).trimmed();
         if (rest.isEmpty())
-            return false;
+            return h == u"postfach"_s || h == u"case postale"_s || h == u"casella postale"_s;
         for (QChar c : rest)
             if (!isDigit(c) && c != u' ' && c != u'.' && c != u'-')
                 return false;

@@ -34,7 +34,7 @@ void Analysis::assemble()
     int street = first([](const Line& l) { return l.kind == Kind::Street && l.strength >= 2; });
     // A street with its postcode line beats one standing alone (a letter's subject).
     const auto placeAfter = [&](int s) {
-        for (int i = s; i < m_to && i <= s + 4; ++i)
+        for (int i = s; i < m_to && i <= s + 4 && m_lines[i].block == m_lines[s].block; ++i)
             if (usable(i) && m_lines[i].kind == Kind::PostcodeCity)
                 return true;
         return false;
@@ -137,7 +137,7 @@ void Analysis::assemble()
                 continue;
             const Line& l = m_lines[i];
             if (l.kind == Kind::Address2 || l.kind == Kind::Noise || l.kind == Kind::Job ||
-                l.kind == Kind::Blank || l.kind == Kind::Department)
+                l.kind == Kind::Blank || l.kind == Kind::Department || i == person)
                 continue;
             const bool loose =
                 l.kind == Kind::Unknown ||

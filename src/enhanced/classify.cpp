@@ -18,6 +18,15 @@ void Analysis::classifyAll()
             QList<Line> extra;
             Line l = raw;
             applyLabel(l, pending->first, l.text, &extra, 0);
+            const LabelKind k = pending->first.kind;
+            if (l.kind == Kind::Noise &&
+                (k == LabelKind::Contact || k == LabelKind::Role || k == LabelKind::Name)) {
+                pending.reset();
+                QList<Line> out;
+                classifyInto(raw, out, 0);
+                m_lines.append(out);
+                continue;
+            }
             l.why = u"Wert zum Etikett \"%1\" der Zeile davor; "_s.arg(pending->second) + l.why;
             m_lines.append(l);
             for (Line& e : extra)
@@ -240,6 +249,10 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         // "Dr. Hans Meier (Vorsitzender)": the note is no part of the name.
         if (const qsizetype open = first.indexOf(u" ("_s); open > 0 && first.endsWith(u')'))
             first = first.left(open);
+        // Nor is a generation: "Anton Huber jun.".
+        for (const QString& suffix : {u" jun."_s, u" sen."_s, u" jr."_s, u" sr."_s})
+            if (first.endsWith(suffix, Qt::CaseInsensitive))
+                first.chop(suffix.size());
         if (auto p = ParsePerson(first, false)) {
             l.kind = Kind::Person;
             l.person = *p;
@@ -400,6 +413,14 @@ bool Analysis::classifyOne(Line& l)
     }
     if (t.endsWith(u':'))
         return is(Kind::Noise, u"Überschrift mit Doppelpunkt"_s);
+    // "Ihr Ansprechpartner" over the name, without a colon.
+    if (const Label* label = knowledge().label(t.toLower());
+        label && label->kind == LabelKind::Contact && Words(t).size() >= 2) {
+        l.kind = Kind::LabelOnly;
+        l.labelled = true;
+        l.labelKind = label->kind;
+        return is(Kind::LabelOnly, u"Etikett allein, der Wert folgt"_s);
+    }
     if (const QString mail = FindEMail(t); !mail.isEmpty() && Words(t).size() <= 3) {
         l.value = mail;
         return is(Kind::Email, u"E-Mail-Adresse"_s);

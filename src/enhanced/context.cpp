@@ -49,6 +49,8 @@ void Analysis::context()
         if (!(l.labelled && l.labelKind == LabelKind::SkipBlock))
             continue;
         l.skipped = true;
+        if (!l.value.isEmpty())
+            continue; // "Alte Anschrift: Weg 2, 12345 Ort" ends on its own line
         for (int j = i + 1; j < n && m_lines[j].kind != Kind::Blank; ++j) {
             m_lines[j].skipped = true;
             m_lines[j].skipWhy = u"gehört zu \"%1\""_s.arg(l.text);
@@ -83,6 +85,13 @@ void Analysis::context()
     // A letter's recipient block ("Herrn", "z. Hd.", "Firma" on a line of its own) is not
     // the sender, as long as the sender's address is in the text too.
     {
+        // A lone "Frau" opens the recipient's block only under the sender's own address line.
+        const auto senderAbove = [this](int start) {
+            for (int i = m_from; i < start; ++i)
+                if (!m_lines[i].skipped && m_lines[i].kind == Kind::PostcodeCity)
+                    return true;
+            return false;
+        };
         QList<int> recipientBlocks;
         int blockStart = m_from;
         for (int i = m_from; i <= m_to; ++i) {
@@ -95,7 +104,9 @@ void Analysis::context()
                 if (l.person.addressee || lower.startsWith(u"z. hd"_s) ||
                     lower.startsWith(u"z.hd"_s) || lower.startsWith(u"zu händen"_s) ||
                     lower.startsWith(u"attn"_s) ||
-                    (j == blockStart && (lower == u"firma"_s || lower == u"an"_s)))
+                    (j == blockStart && (lower == u"firma"_s || lower == u"an"_s)) ||
+                    (j == blockStart && l.kind == Kind::Salutation && !l.labelled &&
+                     senderAbove(blockStart)))
                     recipient = true;
             }
             if (recipient)
@@ -333,7 +344,9 @@ void Analysis::context()
         const int prev = prevInBlock(i);
         if (l.strength == 3 && prev >= 0) {
             Line& p = m_lines[prev];
-            if (p.kind == Kind::Unknown && !p.nameShaped && CountDigitsIn(p.text) == 0 &&
+            const bool letters =
+                std::any_of(p.text.cbegin(), p.text.cend(), [](QChar c) { return c.isLetter(); });
+            if (p.kind == Kind::Unknown && !p.nameShaped && CountDigitsIn(p.text) == 0 && letters &&
                 (Words(p.text).size() == 1 || IsAllCaps(p.text)) && Words(p.text).size() <= 5) {
                 l.text = p.text + u' ' + l.text;
                 l.why += u"; mit der Zeile davor ein Name"_s;
