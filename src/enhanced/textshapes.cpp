@@ -77,10 +77,24 @@ int CountDigitsIn(QStringView text)
     return n;
 }
 
+namespace {
+
+// Greetings carry neither digits nor mail addresses; most address lines do, and are passed
+// over before any lower-casing.
+bool hasDigitOrAt(QStringView text)
+{
+    for (QChar c : text)
+        if (isDigit(c) || c == u'@')
+            return true;
+    return false;
+}
+
+} // namespace
+
 bool IsClosing(QStringView text)
 {
     const Knowledge& k = knowledge();
-    if (text.count(u' ') > 6)
+    if (text.size() > 80 || text.count(u' ') > 6 || hasDigitOrAt(text))
         return false;
     const QString lower = stripTrailing(text, u" ,.!").toLower();
     if (k.closings.contains(lower))
@@ -94,7 +108,7 @@ bool IsClosing(QStringView text)
 bool IsOpening(QStringView text)
 {
     const Knowledge& k = knowledge();
-    if (text.isEmpty() || !text[0].isLetter())
+    if (text.isEmpty() || !text[0].isLetter() || hasDigitOrAt(text))
         return false;
     const QString lower = text.toString().toLower();
     for (const QString& o : k.openings)
