@@ -245,7 +245,14 @@ void Analysis::assemble()
         return rank(a.role) < rank(b.role);
     });
 
-    const int mail = first([](const Line& l) { return l.kind == Kind::Email; });
+    int mail = first([](const Line& l) { return l.kind == Kind::Email; });
+    QString mailValue = mail >= 0 ? m_lines[mail].value : QString();
+    // A forwarded message without the address in its signature: its "Von:" line has it.
+    if (mail < 0 && m_from < m_to && !name.nachname.isEmpty() &&
+        m_lines[m_from].kind == Kind::Cut && m_lines[m_from].text.contains(name.nachname)) {
+        mailValue = FindEMail(m_lines[m_from].text);
+        mail = mailValue.isEmpty() ? -1 : m_from;
+    }
     const int web = first([](const Line& l) { return l.kind == Kind::Website; });
 
     // In field order; the rows are filled in this order.
@@ -325,7 +332,7 @@ void Analysis::assemble()
         take(mobile, u"Mobil"_s);
     }
     if (mail >= 0) {
-        add(FieldId::EMail, m_lines[mail].value);
+        add(FieldId::EMail, mailValue);
         take(mail, u"eMail"_s);
     }
     if (web >= 0) {

@@ -367,6 +367,14 @@ void TestEnhanced::imprints_data()
 void TestEnhanced::threads_data()
 {
     columns();
+    addCase("forwarded message, the address only in its header",
+            "Bitte anlegen.\n\n---------- Forwarded message ---------\n"
+            "Von: Ruth Albrecht <r.albrecht@albrecht-mosaik.example.de>\nBetreff: Anfrage\n\n"
+            "Guten Tag,\nwir bitten um Rückruf.\n\nRuth Albrecht\nAlbrecht Mosaik GmbH\n"
+            "Gerberstraße 8\n04105 Leipzig\n",
+            "Vorname=Ruth | Nachname=Albrecht | Kontakt=Ruth Albrecht | "
+            "Firma=Albrecht Mosaik GmbH | Adresse=Gerberstraße 8 | PLZ=04105 | Ort=Leipzig | "
+            "Land=Deutschland | eMail=r.albrecht@albrecht-mosaik.example.de");
     addCase("quoted signature below a short reply",
             "Danke, so machen wir es.\n\nAm 03.03.2025 um 09:12 schrieb Uwe Krämer:\n"
             "> Hallo Herr Lenz,\n> anbei das Angebot.\n>\n> Uwe Krämer\n> Krämer Fliesen GmbH\n"
