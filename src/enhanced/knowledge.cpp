@@ -54,6 +54,7 @@ LabelKind labelKind(const QString& name)
         {u"title"_s, LabelKind::Title},
         {u"department"_s, LabelKind::Department},
         {u"street"_s, LabelKind::Street},
+        {u"address2"_s, LabelKind::Address2},
         {u"postcode"_s, LabelKind::Postcode},
         {u"city"_s, LabelKind::City},
         {u"postcodecity"_s, LabelKind::PostcodeCity},

@@ -33,6 +33,7 @@ enum class LabelKind {
     Title,
     Department,
     Street,
+    Address2,
     Postcode,
     City,
     PostcodeCity,

@@ -1,7 +1,7 @@
 #pragma once
 
 // Recognisers for single pieces of address text: each looks at one line or value on its
-// own and says what it is. The analysis (enhanced.cpp) puts them in context.
+// own and says what it is. The analysis (engine.h) puts them in context.
 
 #include "knowledge.h"
 
@@ -91,6 +91,8 @@ bool IsKnownGivenName(QStringView word);
 // A person's name with what may stand in front (salutation, degrees, a job word, "Ihr").
 // needMarker: only when a salutation or degree stands in front.
 std::optional<PersonName> ParsePerson(QStringView text, bool needMarker);
+// The name behind a proxy mark ("i. A. Eva Roth", "ppa. Eva Roth"), else empty.
+QStringView WithoutProxyMark(QStringView text);
 // A lone salutation ("Herr") or degree ("Dipl.-Kffr.") line.
 QString SalutationOnly(QStringView text);
 QString DegreeOnly(QStringView text);

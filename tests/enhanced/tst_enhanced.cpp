@@ -108,6 +108,35 @@ static void columns()
 void TestEnhanced::names_data()
 {
     columns();
+    addCase("contact label without colon in a letter, recipient under a lone salutation",
+            "Wasserverband Eider · Schleusenweg 1 · 24768 Rendsburg\n\nFrau\nGesa Thomsen\n"
+            "Deichstraße 4\n25761 Büsum\n\nIhr Ansprechpartner\nHerr Jens Petersen\n"
+            "Telefon 04331 66 20-14\n",
+            "Firma=Wasserverband Eider | Anrede=Herr | Vorname=Jens | Nachname=Petersen | "
+            "Kontakt=Jens Petersen | Adresse=Schleusenweg 1 | PLZ=24768 | Ort=Rendsburg | "
+            "Land=Deutschland | Telefon=04331 66 20-14");
+    addCase("divider line over the firm",
+            "Beste Grüße\nLena Kappel\n---\nKappel Medien GmbH\nHafenstraße 3\n"
+            "18055 Rostock\n",
+            "Vorname=Lena | Nachname=Kappel | Kontakt=Lena Kappel | Firma=Kappel Medien GmbH | "
+            "Adresse=Hafenstraße 3 | PLZ=18055 | Ort=Rostock | Land=Deutschland");
+    addCase("signed on behalf",
+            "Mit freundlichen Grüßen\ni. V. Jonas Brandtner\nBrandtner Sanitär GmbH\n"
+            "Quellenweg 8\n94032 Passau\n",
+            "Vorname=Jonas | Nachname=Brandtner | Kontakt=Jonas Brandtner | "
+            "Firma=Brandtner Sanitär GmbH | Adresse=Quellenweg 8 | PLZ=94032 | Ort=Passau | "
+            "Land=Deutschland");
+    addCase("surname in the domain, job below",
+            "Ottokar Wendelstein\nDachdeckermeister\n\nDachbau Nord GmbH\nHafenweg 2\n"
+            "25813 Husum\nwww.dachbau-wendelstein.example.de\n",
+            "Vorname=Ottokar | Nachname=Wendelstein | Kontakt=Ottokar Wendelstein | "
+            "Firma=Dachbau Nord GmbH | Adresse=Hafenweg 2 | PLZ=25813 | Ort=Husum | "
+            "Land=Deutschland | Website=www.dachbau-wendelstein.example.de");
+    addCase("name and job in one cell",
+            "Ilse Harbrecht, Inhaberin | Harbrecht Keramik GmbH | Töpferweg 2, 79098 Freiburg\n",
+            "Vorname=Ilse | Nachname=Harbrecht | Kontakt=Ilse Harbrecht | "
+            "Firma=Harbrecht Keramik GmbH | Adresse=Töpferweg 2 | PLZ=79098 | Ort=Freiburg | "
+            "Land=Deutschland");
     addCase("closing, name, job",
             "Mit freundlichen Grüßen\n\nKatrin Vogelsang\nProjektleiterin\n\nVogelsang Elektro "
             "GmbH\nAmselweg 4\n88212 Ravensburg\nk.vogelsang@vogelsang-elektro.example.de\n",
@@ -148,6 +177,18 @@ void TestEnhanced::names_data()
 void TestEnhanced::companies_data()
 {
     columns();
+    addCase("job in front of the firm",
+            "Best regards\nRupert Dallmayr\nHead of Sales, Alpenkorn Mühlen AG\n"
+            "rupert.dallmayr@alpenkorn.example.de\n",
+            "Vorname=Rupert | Nachname=Dallmayr | Kontakt=Rupert Dallmayr | "
+            "Firma=Alpenkorn Mühlen AG | eMail=rupert.dallmayr@alpenkorn.example.de");
+    addCase("office named in one word",
+            "Stadtverwaltung Nordhain\nOrdnungsamt\nRathausplatz 1\n35390 Gießen\n",
+            "Firma=Stadtverwaltung Nordhain | Abteilung=Ordnungsamt | Adresse=Rathausplatz 1 | "
+            "PLZ=35390 | Ort=Gießen | Land=Deutschland");
+    addCase("slogan under the firm", "Tischlerei Hagedorn\nMeisterbetrieb\nMoorweg 7\n26789 Leer\n",
+            "Firma=Tischlerei Hagedorn | Adresse=Moorweg 7 | PLZ=26789 | Ort=Leer | "
+            "Land=Deutschland");
     addCase("greeting and slogan are no firm",
             "Beste Grüße aus Kiel\nIhr Partner für Qualität\nStiftung Lesewelt\nBuchweg 3\n"
             "24103 Kiel\n",
@@ -177,6 +218,20 @@ void TestEnhanced::companies_data()
 void TestEnhanced::streets_data()
 {
     columns();
+    addCase("PO box without number beside the street",
+            "Vogt Revision AG\nBahnhofplatz 4\nPostfach\nCH-3001 Bern\n",
+            "Firma=Vogt Revision AG | Adresse=Bahnhofplatz 4 | Adresse 2=Postfach | PLZ=3001 | "
+            "Ort=Bern | Land=Schweiz");
+    addCase("old and new address each on one line",
+            "Praxis Lorenz\nAlte Anschrift: Kirchweg 2, 36037 Fulda\n"
+            "Neue Anschrift: Domplatz 9, 36037 Fulda\n",
+            "Firma=Praxis Lorenz | Adresse=Domplatz 9 | PLZ=36037 | Ort=Fulda | "
+            "Land=Deutschland");
+    addCase("a subject naming a street",
+            "Rohrsanierung Gartenstraße 12\n\nKanalbau Riedel GmbH\nWerkstraße 3\n"
+            "35390 Gießen\n",
+            "Firma=Kanalbau Riedel GmbH | Adresse=Werkstraße 3 | PLZ=35390 | Ort=Gießen | "
+            "Land=Deutschland");
     addCase("street without street word before its postcode",
             "Kellerei Morgenrot\nAm Mühlbach 7\n67098 Bad Dürkheim\n",
             "Firma=Kellerei Morgenrot | Adresse=Am Mühlbach 7 | PLZ=67098 | "
@@ -237,6 +292,10 @@ void TestEnhanced::postcodes_data()
 void TestEnhanced::phones_data()
 {
     columns();
+    addCase("French label", "Tél. +33 1 42 68 53 00\n", "Telefon=+33 1 42 68 53 00");
+    addCase("office and radio labels", "Büro: 0911 44 55 66\nFunk: 0171 998877\n",
+            "Telefon=0911 44 55 66 | Mobil=0171 998877");
+    addCase("scanned S for 5", "Tel. 0351 44 12 0S\n", "Telefon=0351 44 12 05");
     addCase("two labels on one line", "Tel. 0711 123 456 | Fax 0711 123 457\n",
             "Telefon=0711 123 456 | Fax=0711 123 457");
     addCase("two labels without divider", "Tel. 0711 123 456 Fax 0711 123 457\n",
@@ -258,6 +317,34 @@ void TestEnhanced::phones_data()
 void TestEnhanced::imprints_data()
 {
     columns();
+    addCase("generation after the managing director",
+            "Impressum\nBrauerei Kellner GmbH\nHopfengasse 1\n91054 Erlangen\n"
+            "Geschäftsführer: Georg Kellner sen., Lisa Kellner\n",
+            "Firma=Brauerei Kellner GmbH | Vorname=Georg | Nachname=Kellner | "
+            "Kontakt=Georg Kellner | Adresse=Hopfengasse 1 | PLZ=91054 | Ort=Erlangen | "
+            "Land=Deutschland");
+    addCase("chair with a note in brackets",
+            "Impressum\nRheinblick Werft AG\nUferstraße 4\n56068 Koblenz\n"
+            "Vorstand: Dr. Gisela Ahrend (Vorsitzende), Paul Lenz\n",
+            "Firma=Rheinblick Werft AG | Titel=Dr. | Vorname=Gisela | Nachname=Ahrend | "
+            "Kontakt=Gisela Ahrend | Adresse=Uferstraße 4 | PLZ=56068 | Ort=Koblenz | "
+            "Land=Deutschland");
+    addCase("numbered chair under the representation",
+            "Impressum\nSchachclub Springer 1921 e.V.\nVertreten durch:\n"
+            "1. Vorsitzender: Konrad Weilheimer\n2. Vorsitzende: Marta Pohl\nTurmstraße 9\n"
+            "90403 Nürnberg\n",
+            "Firma=Schachclub Springer 1921 e.V. | Vorname=Konrad | Nachname=Weilheimer | "
+            "Kontakt=Konrad Weilheimer | Adresse=Turmstraße 9 | PLZ=90403 | Ort=Nürnberg | "
+            "Land=Deutschland");
+    addCase("firm under the responsibility label",
+            "Verantwortlich:\nFeldberg Bergbahnen GmbH\nTalstation 1\n79868 Feldberg\n",
+            "Firma=Feldberg Bergbahnen GmbH | Adresse=Talstation 1 | PLZ=79868 | "
+            "Ort=Feldberg | Land=Deutschland");
+    addCase("abbreviated owner",
+            "Fahrradladen Speiche\nInh. Klaus Dittmer\nKettenweg 4\n18055 Rostock\n",
+            "Firma=Fahrradladen Speiche | Vorname=Klaus | Nachname=Dittmer | "
+            "Kontakt=Klaus Dittmer | Adresse=Kettenweg 4 | PLZ=18055 | Ort=Rostock | "
+            "Land=Deutschland");
     addCase("represented by the managing director",
             "Impressum\n\nKlarwasser Filtertechnik GmbH\nSeestraße 4\n78464 Konstanz\n\n"
             "Vertreten durch den Geschäftsführer: Dipl.-Ing. Lothar Brenner\n"
@@ -280,6 +367,14 @@ void TestEnhanced::imprints_data()
 void TestEnhanced::threads_data()
 {
     columns();
+    addCase("forwarded message, the address only in its header",
+            "Bitte anlegen.\n\n---------- Forwarded message ---------\n"
+            "Von: Ruth Albrecht <r.albrecht@albrecht-mosaik.example.de>\nBetreff: Anfrage\n\n"
+            "Guten Tag,\nwir bitten um Rückruf.\n\nRuth Albrecht\nAlbrecht Mosaik GmbH\n"
+            "Gerberstraße 8\n04105 Leipzig\n",
+            "Vorname=Ruth | Nachname=Albrecht | Kontakt=Ruth Albrecht | "
+            "Firma=Albrecht Mosaik GmbH | Adresse=Gerberstraße 8 | PLZ=04105 | Ort=Leipzig | "
+            "Land=Deutschland | eMail=r.albrecht@albrecht-mosaik.example.de");
     addCase("quoted signature below a short reply",
             "Danke, so machen wir es.\n\nAm 03.03.2025 um 09:12 schrieb Uwe Krämer:\n"
             "> Hallo Herr Lenz,\n> anbei das Angebot.\n>\n> Uwe Krämer\n> Krämer Fliesen GmbH\n"
@@ -321,6 +416,14 @@ void TestEnhanced::threads_data()
 void TestEnhanced::forms_data()
 {
     columns();
+    addCase("label and value in cells", "Name:\tHolzapfel, Wiebke\nFirma:\tHolzapfel Gartenbau\n",
+            "Vorname=Wiebke | Nachname=Holzapfel | Kontakt=Wiebke Holzapfel | "
+            "Firma=Holzapfel Gartenbau");
+    addCase("address extra and combined labels",
+            "Straße und Hausnummer: Lindenring 5\nAdresszusatz: 2. Etage\n"
+            "Zip / City: 24103 Kiel\nKontaktperson: Frauke Ohlsen\n",
+            "Adresse=Lindenring 5 | Adresse 2=2. Etage | PLZ=24103 | Ort=Kiel | "
+            "Land=Deutschland | Vorname=Frauke | Nachname=Ohlsen | Kontakt=Frauke Ohlsen");
     addCase("surname first after Name",
             "Firma: Holzwurm Schreinerei\nName: Brandl, Xaver\nOrt: Rosenheim\nPLZ: 83022\n",
             "Firma=Holzwurm Schreinerei | Vorname=Xaver | Nachname=Brandl | "

@@ -1,0 +1,530 @@
+#include "engine.h"
+
+using namespace Qt::StringLiterals;
+
+namespace zf::enhanced {
+
+void Analysis::classifyAll()
+{
+    std::optional<std::pair<Label, QString>> pending; // a label on a line of its own
+    for (Line& raw : m_raw) {
+        if (raw.kind == Kind::Blank || raw.kind == Kind::Heading || raw.skipped) {
+            m_lines.append(raw);
+            if (raw.kind == Kind::Heading)
+                pending.reset();
+            continue;
+        }
+        if (pending && !ParseLabel(raw.text).has_value()) {
+            QList<Line> extra;
+            Line l = raw;
+            applyLabel(l, pending->first, l.text, &extra, 0);
+            const LabelKind k = pending->first.kind;
+            if (l.kind == Kind::Noise &&
+                (k == LabelKind::Contact || k == LabelKind::Role || k == LabelKind::Name)) {
+                pending.reset();
+                QList<Line> out;
+                classifyInto(raw, out, 0);
+                m_lines.append(out);
+                continue;
+            }
+            l.why = u"Wert zum Etikett \"%1\" der Zeile davor; "_s.arg(pending->second) + l.why;
+            m_lines.append(l);
+            for (Line& e : extra)
+                m_lines.append(e);
+            pending.reset();
+            continue;
+        }
+        pending.reset();
+        QList<Line> out;
+        classifyInto(raw, out, 0);
+        for (Line& l : out) {
+            if (l.kind == Kind::LabelOnly && l.labelled)
+                pending = std::pair{Label{l.labelKind, l.value}, l.text};
+            m_lines.append(l);
+        }
+    }
+}
+
+// One line, maybe several pieces: dividers, "street, postcode city", two labels.
+void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
+{
+    if (line.text.size() > MaxLineLength) {
+        line.kind = Kind::Prose;
+        line.why = u"zu lang für eine Adresszeile"_s;
+        out.append(line);
+        return;
+    }
+    const auto piecesOf = [&line](const QStringList& parts) {
+        QList<Line> pieces;
+        for (const QString& p : parts) {
+            const QString t = p.trimmed();
+            if (t.isEmpty())
+                continue;
+            Line piece = line;
+            piece.text = t;
+            pieces.append(piece);
+        }
+        return pieces;
+    };
+    bool hasDivider = false;
+    for (QChar c : line.text)
+        hasDivider = hasDivider || isDivider(c);
+    if (hasDivider && depth < 2) {
+        QStringList parts;
+        qsizetype from = 0;
+        for (qsizetype i = 0; i <= line.text.size(); ++i)
+            if (i == line.text.size() || isDivider(line.text[i])) {
+                parts.append(line.text.mid(from, i - from));
+                from = i + 1;
+            }
+        QList<Line> pieces = piecesOf(parts);
+        // "Name:<tab>Meier, Hans": a known label and its value in the next cell.
+        for (qsizetype i = 0; i + 1 < pieces.size(); ++i) {
+            if (!pieces[i].text.endsWith(u':'))
+                continue;
+            const auto hit = ParseLabel(pieces[i].text);
+            if (!hit || !hit->known || !hit->rest.isEmpty() ||
+                hit->label.kind == LabelKind::SkipBlock || ParseLabel(pieces[i + 1].text))
+                continue;
+            pieces[i].text += u' ' + pieces[i + 1].text;
+            pieces.removeAt(i + 1);
+        }
+        QList<Line> result;
+        bool placed = false;
+        for (Line& p : pieces) {
+            QList<Line> sub;
+            classifyInto(p, sub, depth + 1);
+            for (Line& s : sub) {
+                placed = placed || (s.kind != Kind::Unknown && s.kind != Kind::Prose);
+                result.append(s);
+            }
+        }
+        if (placed) {
+            out.append(result);
+            return;
+        }
+        line.text.replace(u'\t', u' ');
+    }
+    // Two labelled numbers on one line: "Tel. 0711 123 Fax 0711 124".
+    if (depth < 3) {
+        const QList<QStringView> w = Words(line.text);
+        for (qsizetype i = 2; i < w.size(); ++i) {
+            if (!w[i - 1].back().isDigit())
+                continue;
+            const QStringView rest = QStringView(line.text).mid(w[i].data() - line.text.data());
+            const auto hit = ParseLabel(rest);
+            if (!hit || !hit->known ||
+                (hit->label.kind != LabelKind::Phone && hit->label.kind != LabelKind::Email &&
+                 hit->label.kind != LabelKind::Web))
+                continue;
+            QList<Line> pieces =
+                piecesOf({line.text.left(w[i].data() - line.text.data()), rest.toString()});
+            for (Line& p : pieces)
+                classifyInto(p, out, depth + 1);
+            return;
+        }
+    }
+    if (const auto hit = ParseLabel(line.text); hit && hit->known &&
+                                                hit->label.kind == LabelKind::Street &&
+                                                !hit->rest.isEmpty() && !IsThreadCut(line.text)) {
+        QList<Line> extra;
+        Line l = line;
+        applyLabel(l, hit->label, hit->rest, &extra, depth);
+        out.append(l);
+        out.append(extra);
+        return;
+    }
+    Line whole = line;
+    classifyOne(whole);
+    // "Marketing Lead, Muster GmbH" and "Eva Roth, Inhaberin": a job beside a firm or name.
+    if ((whole.kind == Kind::Job || (whole.kind == Kind::Company && !whole.labelled)) &&
+        depth < 3 && line.text.count(u", "_s) == 1) {
+        QList<Line> pieces = piecesOf(line.text.split(u", "_s));
+        if (pieces.size() == 2) {
+            classifyOne(pieces[0]);
+            classifyOne(pieces[1]);
+            const bool jobThenFirm = pieces[0].kind == Kind::Job && pieces[1].kind == Kind::Company;
+            const bool nameThenJob =
+                pieces[1].kind == Kind::Job && pieces[0].nameShaped &&
+                (pieces[0].kind == Kind::Unknown || pieces[0].kind == Kind::Person);
+            if (jobThenFirm || nameThenJob) {
+                out.append(pieces);
+                return;
+            }
+        }
+    }
+    // "Street 1, 12345 City" and "Postfach 12, 12345 City"
+    if ((whole.kind == Kind::Unknown || whole.kind == Kind::Noise) && line.text.contains(u", "_s) &&
+        depth < 3) {
+        QList<Line> pieces = piecesOf(line.text.split(u", "_s));
+        bool postal = false;
+        for (Line& p : pieces) {
+            classifyOne(p);
+            postal = postal || p.kind == Kind::PostcodeCity;
+        }
+        const Kind head = pieces.isEmpty() ? Kind::Unknown : pieces.front().kind;
+        if (postal && (head == Kind::Street || head == Kind::PoBox || head == Kind::Address2 ||
+                       head == Kind::PostcodeCity)) {
+            out.append(pieces);
+            return;
+        }
+    }
+    out.append(whole);
+}
+
+void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QList<Line>* extra,
+                          int depth)
+{
+    l.labelled = true;
+    l.labelKind = label.kind;
+    l.value = value;
+    switch (label.kind) {
+    case LabelKind::Phone:
+        if (const auto p = ParsePhone(value, false)) {
+            l.kind = Kind::Phone;
+            l.value = p->value;
+            l.phone = p->role;
+            if (l.phone == PhoneRole::Plain)
+                l.phone = label.qualifier == u"fax"_s      ? PhoneRole::Fax
+                          : label.qualifier == u"mobile"_s ? PhoneRole::Mobile
+                          : label.qualifier == u"direct"_s ? PhoneRole::Direct
+                          : label.qualifier == u"main"_s   ? PhoneRole::Main
+                          : label.qualifier == u"second"_s ? PhoneRole::Second
+                                                           : PhoneRole::Plain;
+            l.why += u"Rufnummer hinter dem Etikett"_s;
+        } else if (const QString mail = FindEMail(value); !mail.isEmpty()) {
+            l.kind = Kind::Email;
+            l.value = mail;
+        } else {
+            l.kind = Kind::Noise;
+            l.why += u"Etikett ohne Rufnummer"_s;
+        }
+        return;
+    case LabelKind::Email:
+    case LabelKind::Contact:
+        if (const QString mail = FindEMail(value); !mail.isEmpty()) {
+            l.kind = Kind::Email;
+            l.value = mail;
+            l.why += u"E-Mail-Adresse hinter dem Etikett"_s;
+            return;
+        }
+        if (label.kind == LabelKind::Email) {
+            l.kind = Kind::Noise;
+            return;
+        }
+        if (const auto p = ParsePhone(value, true)) {
+            l.kind = Kind::Phone;
+            l.value = p->value;
+            return;
+        }
+        [[fallthrough]];
+    case LabelKind::Name:
+    case LabelKind::Role: {
+        // "Verantwortlich:" over the firm's own line.
+        if (label.kind == LabelKind::Role && HasLegalForm(value)) {
+            l.kind = Kind::Company;
+            l.strength = 3;
+            l.why += u"Firma hinter dem Etikett"_s;
+            return;
+        }
+        // A list of people: the first one counts.
+        QString first = value;
+        // "1. Vorsitzende: Name" under "Vertreten durch:".
+        if (const qsizetype colon = first.indexOf(u": "_s); colon > 0)
+            first = first.mid(colon + 2);
+        for (const QString& sep : {u", "_s, u" und "_s, u" and "_s, u" & "_s, u"; "_s}) {
+            // "Meier, Hans" is one person, written surname first.
+            if (sep == u", "_s && label.kind != LabelKind::Role) {
+                const QStringList parts = first.split(sep);
+                if (parts.size() == 2 && Words(parts[0]).size() == 1 &&
+                    Words(parts[1]).size() == 1) {
+                    first = parts[1] + u' ' + parts[0];
+                    continue;
+                }
+            }
+            const qsizetype at = first.indexOf(sep);
+            if (at > 0)
+                first = first.left(at);
+        }
+        // "Dr. Hans Meier (Vorsitzender)": the note is no part of the name.
+        if (const qsizetype open = first.indexOf(u" ("_s); open > 0 && first.endsWith(u')'))
+            first = first.left(open);
+        // Nor is a generation: "Anton Huber jun.".
+        for (const QString& suffix : {u" jun."_s, u" sen."_s, u" jr."_s, u" sr."_s})
+            if (first.endsWith(suffix, Qt::CaseInsensitive))
+                first.chop(suffix.size());
+        if (auto p = ParsePerson(first, false)) {
+            l.kind = Kind::Person;
+            l.person = *p;
+            l.personSource =
+                label.kind == LabelKind::Role ? PersonSource::Role : PersonSource::Form;
+            l.why += label.kind == LabelKind::Role ? u"Person mit Rolle (Impressum)"_s
+                                                   : u"Person hinter dem Etikett"_s;
+        } else if (label.kind == LabelKind::Name && Words(first).size() == 1) {
+            l.kind = Kind::NamePart;
+            l.labelKind = LabelKind::LastName;
+            l.value = first;
+            l.why += u"Nachname hinter \"Name\""_s;
+        } else {
+            l.kind = Kind::Noise;
+            l.why += u"kein Name hinter dem Etikett"_s;
+        }
+        return;
+    }
+    case LabelKind::FirstName:
+    case LabelKind::LastName:
+        l.kind = Kind::NamePart;
+        l.why += u"Namensteil hinter dem Etikett"_s;
+        return;
+    case LabelKind::Web: {
+        const QString host = FindWebHost(value, true);
+        l.kind = host.isEmpty() ? Kind::Noise : Kind::Website;
+        l.value = host;
+        return;
+    }
+    case LabelKind::Company:
+        l.kind = Kind::Company;
+        l.strength = 4;
+        l.why += u"Firma hinter dem Etikett"_s;
+        return;
+    case LabelKind::Department:
+        l.kind = Kind::Department;
+        l.why += u"Abteilung hinter dem Etikett"_s;
+        return;
+    case LabelKind::Salutation: {
+        const QString s = SalutationOnly(value);
+        l.kind = Kind::Salutation;
+        l.value = s.isEmpty() ? value : s;
+        return;
+    }
+    case LabelKind::Title:
+        l.kind = Kind::Title;
+        return;
+    case LabelKind::Street: {
+        if (!extra || depth > 2) {
+            l.kind = Kind::Street;
+            l.strength = 3;
+            return;
+        }
+        Line inner = l;
+        inner.text = value;
+        inner.labelled = false;
+        QList<Line> parts;
+        classifyInto(inner, parts, depth + 1);
+        if (parts.size() == 1 && (parts[0].kind == Kind::Unknown || parts[0].kind == Kind::Noise)) {
+            l.kind = Kind::Street;
+            l.strength = 3;
+            l.why += u"Straße hinter dem Etikett"_s;
+            return;
+        }
+        for (Line& p : parts) {
+            if (p.kind == Kind::Street)
+                p.strength = 3;
+            p.why = u"hinter dem Etikett \"Adresse\": "_s + p.why;
+        }
+        l = parts.takeFirst();
+        extra->append(parts);
+        return;
+    }
+    case LabelKind::Postcode:
+        if (const auto p = ParsePostcodeOnly(value)) {
+            l.kind = Kind::Postcode;
+            l.place = *p;
+        } else if (const auto pc = ParsePostcodeCity(value)) {
+            l.kind = Kind::PostcodeCity;
+            l.place = *pc;
+        } else {
+            l.kind = Kind::Postcode;
+            l.place.plz = value;
+        }
+        return;
+    case LabelKind::Address2:
+        l.kind = Kind::Address2;
+        l.why += u"Adresszusatz hinter dem Etikett"_s;
+        return;
+    case LabelKind::City:
+        l.kind = Kind::City;
+        return;
+    case LabelKind::PostcodeCity:
+        if (const auto pc = ParsePostcodeCity(value)) {
+            l.kind = Kind::PostcodeCity;
+            l.place = *pc;
+        } else {
+            const QList<QStringView> w = Words(value);
+            l.kind = Kind::PostcodeCity;
+            l.place.plz = w.isEmpty() ? QString() : w[0].toString();
+            l.place.ort = w.size() > 1
+                              ? QStringView(value).mid(w[1].data() - value.data()).toString()
+                              : QString();
+        }
+        l.why += u"PLZ und Ort hinter dem Etikett"_s;
+        return;
+    case LabelKind::Country: {
+        const QString c = CountryName(value);
+        l.kind = Kind::Country;
+        l.value = c.isEmpty() ? value : c;
+        return;
+    }
+    case LabelKind::Job:
+        l.kind = Kind::Job;
+        return;
+    case LabelKind::SkipBlock:
+        l.kind = Kind::LabelOnly;
+        l.why += u"ab hier ein anderer Block (Liefer- oder alte Anschrift)"_s;
+        return;
+    case LabelKind::SkipLine:
+        l.kind = Kind::Noise;
+        l.why += u"Etikett ohne Kontaktwert"_s;
+        return;
+    }
+}
+
+bool Analysis::classifyOne(Line& l)
+{
+    const QString& t = l.text;
+    QString why;
+    const auto is = [&l](Kind k, const QString& reason) {
+        l.kind = k;
+        l.why = reason;
+        return true;
+    };
+    if (IsThreadCut(t))
+        return is(Kind::Cut, u"Beginn einer älteren Nachricht"_s);
+    if (IsClosing(t))
+        return is(Kind::Closing, u"Grußformel"_s);
+    if (IsOpening(t))
+        return is(Kind::Opening, u"Anrede eines Briefs oder einer Mail"_s);
+    if (const auto hit = ParseLabel(t)) {
+        if (!hit->known)
+            return is(Kind::Noise, u"Etikett \"%1\" gehört zu keinem Feld"_s.arg(hit->name));
+        if (hit->rest.isEmpty()) {
+            l.kind = Kind::LabelOnly;
+            l.labelled = true;
+            l.labelKind = hit->label.kind;
+            l.value = hit->label.qualifier;
+            l.why = u"Etikett allein, der Wert folgt"_s;
+            if (hit->label.kind == LabelKind::SkipBlock)
+                l.why = u"ab hier ein anderer Block (Liefer- oder alte Anschrift)"_s;
+            return true;
+        }
+        QList<Line> extra;
+        applyLabel(l, hit->label, hit->rest, nullptr, 0);
+        return true;
+    }
+    if (t.endsWith(u':'))
+        return is(Kind::Noise, u"Überschrift mit Doppelpunkt"_s);
+    // "Ihr Ansprechpartner" over the name, without a colon.
+    if (const Label* label = knowledge().label(t.toLower());
+        label && label->kind == LabelKind::Contact && Words(t).size() >= 2) {
+        l.kind = Kind::LabelOnly;
+        l.labelled = true;
+        l.labelKind = label->kind;
+        return is(Kind::LabelOnly, u"Etikett allein, der Wert folgt"_s);
+    }
+    if (const QString mail = FindEMail(t); !mail.isEmpty() && Words(t).size() <= 3) {
+        l.value = mail;
+        return is(Kind::Email, u"E-Mail-Adresse"_s);
+    }
+    if (const QString host = FindWebHost(t, Words(t).size() == 1);
+        !host.isEmpty() && Words(t).size() <= 3) {
+        l.value = host;
+        return is(Kind::Website, u"Webadresse"_s);
+    }
+    if (IsPoBox(t)) {
+        l.value = t;
+        return is(Kind::PoBox, u"Postfach"_s);
+    }
+    if (const auto p = ParsePostcodeCity(t)) {
+        l.place = *p;
+        return is(Kind::PostcodeCity, u"Postleitzahl (%1) und Ort"_s.arg(p->system));
+    }
+    if (const auto p = ParsePostcodeOnly(t)) {
+        l.place = *p;
+        return is(Kind::Postcode, u"Postleitzahl allein"_s);
+    }
+    if (const auto p = ParsePhone(t, true)) {
+        l.value = p->value;
+        l.phone = p->role;
+        return is(Kind::Phone, u"Rufnummer ohne Etikett"_s);
+    }
+    if (const QString c = CountryName(t); !c.isEmpty()) {
+        l.value = c;
+        return is(Kind::Country, u"Ländername"_s);
+    }
+    if (const QStringView signer = WithoutProxyMark(t); !signer.isEmpty()) {
+        if (const auto p = ParsePerson(signer, false)) {
+            l.person = *p;
+            l.nameShaped = true;
+            l.personSource = PersonSource::Marked;
+            return is(Kind::Person, u"Name hinter \"i. A.\" oder \"ppa.\""_s);
+        }
+    }
+    if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s))
+        return is(Kind::Prose, u"beginnt klein: Satz"_s);
+    const int words = int(Words(t).size());
+    const bool firmFirst =
+        knowledge().companyWords.has(Bare(Words(t).front())) && t[0].isUpper() && !t.endsWith(u'.');
+    if (words > 9 && !(firmFirst && words <= 14))
+        return is(Kind::Prose, u"mehr als neun Wörter: Satz"_s);
+    if (HasLegalForm(t)) {
+        l.strength = 3;
+        return is(Kind::Company, u"Rechtsform"_s);
+    }
+    const auto person = ParsePerson(t, false);
+    if (person && person->marked) {
+        const auto p = person;
+        l.person = *p;
+        l.nameShaped = true;
+        l.personSource = PersonSource::Marked;
+        return is(Kind::Person, u"Name mit Anrede oder Titel"_s);
+    }
+    if (const QString s = SalutationOnly(t); !s.isEmpty()) {
+        l.value = s;
+        l.person.addressee = knowledge().salutations.value(Bare(t)).addressee;
+        return is(Kind::Salutation, u"Anrede allein"_s);
+    }
+    if (const QString d = DegreeOnly(t); !d.isEmpty()) {
+        l.value = d;
+        return is(Kind::Title, u"Titel allein"_s);
+    }
+    if (IsNoise(t, &why))
+        return is(Kind::Noise, why);
+    if ((t.endsWith(u'.') || t.endsWith(u'?')) && words >= 4)
+        return is(Kind::Prose, u"Satzende"_s);
+    QString street;
+    const int streetStrength = StreetStrength(t, &street);
+    if (streetStrength == 2) {
+        l.value = street;
+        l.strength = 2;
+        return is(Kind::Street, u"Straßenwort und Hausnummer"_s);
+    }
+    if (IsAddressExtra(t))
+        return is(Kind::Address2, u"Adresszusatz (Gebäude, c/o)"_s);
+    if (streetStrength == 1) {
+        l.value = street;
+        l.strength = 1;
+        return is(Kind::Street, u"Name und Hausnummer"_s);
+    }
+    if (IsDepartmentLine(t))
+        return is(Kind::Department, u"Wort einer Organisationseinheit"_s);
+    // A person whose name also reads like a firm ("Sabine Neuhaus") stays a person.
+    if (IsJobLine(t) && !(person && person->knownGiven && !IsJobLine(person->nachname)))
+        return is(Kind::Job, u"Berufs- oder Funktionsbezeichnung"_s);
+    if (IsCompanyWordLine(t) && !(person && person->knownGiven)) {
+        l.strength = 2;
+        return is(Kind::Company, u"Wort einer Firma oder Einrichtung"_s);
+    }
+    if (person) {
+        l.person = *person;
+        l.nameShaped = true;
+        return is(Kind::Unknown, u"wie ein Name gebaut"_s);
+    }
+    if (words <= 6 && CountDigitsIn(t) == 0 &&
+        (t.contains(u" & "_s) || t.contains(u" + "_s) || t.contains(u" und "_s))) {
+        l.strength = 1;
+        return is(Kind::Company, u"mit \"&\" verbundene Namen"_s);
+    }
+    return is(Kind::Unknown, u"nicht zuzuordnen"_s);
+}
+
+} // namespace zf::enhanced

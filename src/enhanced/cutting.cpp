@@ -1,0 +1,139 @@
+#include "engine.h"
+
+using namespace Qt::StringLiterals;
+
+namespace zf::enhanced {
+
+// Control and invisible characters go; odd blanks become blanks; tabs stay as dividers.
+QString cleaned(QStringView raw)
+{
+    QString out;
+    out.reserve(raw.size());
+    bool blank = false;
+    for (QChar c : raw) {
+        const char16_t u = c.unicode();
+        if (u == u'\t' || u == 0x1f) {
+            out.append(u'\t');
+            blank = false;
+            continue;
+        }
+        if (u < 0x20 || (u >= 0x7f && u < 0xa0) || (u >= 0x200b && u <= 0x200f) || u == 0xfeff ||
+            u == 0xad || u == 0x2028 || u == 0x2029)
+            continue;
+        if (u == 0xa0 || (u >= 0x2000 && u <= 0x200a) || u == 0x202f || u == u' ') {
+            blank = true;
+            continue;
+        }
+        if (blank && !out.isEmpty() && out.back() != u'\t')
+            out.append(u' ');
+        blank = false;
+        out.append(c);
+    }
+    // Blanks around dividers are not part of any value.
+    QString tidy;
+    tidy.reserve(out.size());
+    for (qsizetype i = 0; i < out.size(); ++i) {
+        if (out[i] == u' ' && ((i + 1 < out.size() && out[i + 1] == u'\t') ||
+                               (!tidy.isEmpty() && tidy.back() == u'\t')))
+            continue;
+        tidy.append(out[i]);
+    }
+    return tidy;
+}
+
+// Markdown emphasis, code marks and angle brackets around a lone address.
+QString withoutMarkup(QString s)
+{
+    for (const QString& mark : {u"**"_s, u"__"_s, u"`"_s})
+        s.remove(mark);
+    if (s.size() > 2 && (s.front() == u'*' || s.front() == u'_') && s.back() == s.front())
+        s = s.mid(1, s.size() - 2);
+    if (s.size() > 2 && s.front() == u'<' && s.back() == u'>' && !s.mid(1).contains(u'<'))
+        s = s.mid(1, s.size() - 2);
+    // "[Text](https://host)": the text and the address become two pieces.
+    const qsizetype open = s.indexOf(u"]("_s);
+    if (s.startsWith(u'[') && open > 0 && s.endsWith(u')'))
+        s = s.mid(1, open - 1) + u'\t' + s.mid(open + 2, s.size() - open - 3);
+    return s.trimmed();
+}
+
+void Analysis::cut(const QString& text, const QString& separator)
+{
+    static const QString headStart = u"Details der "_s;
+    static const QString headEnd = u" schließen"_s;
+    QString whole = text;
+    whole.replace(u"\r\n"_s, separator);
+    const QStringList pieces = whole.split(separator, Qt::KeepEmptyParts);
+    int source = 0;
+    int block = 0;
+    bool lastBlank = true;
+    for (const QString& piece : pieces) {
+        // Stray line breaks inside a piece still end a line.
+        qsizetype from = 0;
+        for (qsizetype i = 0; i <= piece.size(); ++i) {
+            if (i < piece.size() && piece[i] != u'\r' && piece[i] != u'\n')
+                continue;
+            const QStringView rawLine = QStringView(piece).mid(from, i - from);
+            from = i + 1;
+            if (++source > MaxLines) {
+                m_truncated = true;
+                return;
+            }
+            QString t = cleaned(rawLine.left(MaxLineLength * 4));
+            bool quoted = false;
+            while (!t.isEmpty() && (t.front() == u'>' || t.front() == u' ')) {
+                quoted = quoted || t.front() == u'>';
+                t.remove(0, 1);
+            }
+            while (!t.isEmpty() && (t.back() == u' ' || t.back() == u'\t'))
+                t.chop(1);
+            if (t.endsWith(u" ."_s))
+                t.chop(2);
+            t = withoutMarkup(t);
+            if (t.isEmpty() || t == u"."_s) {
+                if (!lastBlank) {
+                    Line b;
+                    b.kind = Kind::Blank;
+                    b.source = source;
+                    b.block = block;
+                    m_raw.append(b);
+                    ++block;
+                }
+                lastBlank = true;
+                continue;
+            }
+            lastBlank = false;
+            Line l;
+            l.source = source;
+            l.block = block;
+            l.quoted = quoted;
+            if (t.startsWith(headStart) && t.endsWith(headEnd)) {
+                const qsizetype n = t.size() - headStart.size() - headEnd.size();
+                l.kind = Kind::Heading;
+                l.value = n > 0 ? t.mid(headStart.size(), n).trimmed() : QString();
+                l.text = t;
+                l.why = u"Kopfzeile \"Details der … schließen\""_s;
+            } else {
+                l.text = t;
+            }
+            m_raw.append(l);
+        }
+    }
+}
+
+// Lines that begin with a configured label went to their extra field: each label takes the
+// first such line, as in the classic run.
+void Analysis::takeDefinitions(const QList<clsZusatzDefs>& definitions)
+{
+    for (const clsZusatzDefs& def : definitions)
+        for (Line& l : m_raw)
+            if (!l.skipped && l.kind != Kind::Blank && l.text.startsWith(def.Wert)) {
+                l.kind = Kind::Noise;
+                l.skipped = true;
+                l.why = u"Zusatzfeld aus den Einstellungen"_s;
+                l.skipWhy = l.why;
+                break;
+            }
+}
+
+} // namespace zf::enhanced

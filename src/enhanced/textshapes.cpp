@@ -1,0 +1,255 @@
+#include "recognise.h"
+#include "wordbits.h"
+
+using namespace Qt::StringLiterals;
+
+namespace zf::enhanced {
+
+namespace {
+
+// The label table entry for "telefon zentrale", "telefon / phone": each word a phone label.
+std::optional<Label> combinedPhoneLabel(const QString& lowerLabel)
+{
+    const Knowledge& k = knowledge();
+    const QStringList parts =
+        QString(lowerLabel).replace(u'/', u' ').split(u' ', Qt::SkipEmptyParts);
+    if (parts.size() < 2 || parts.size() > 4)
+        return std::nullopt;
+    Label out{LabelKind::Phone, {}};
+    for (const QString& p : parts) {
+        const Label* l = k.label(p);
+        if (!l || (l->kind != LabelKind::Phone && l->kind != LabelKind::Email &&
+                   l->kind != LabelKind::Web))
+            return std::nullopt;
+        if (l->kind != LabelKind::Phone) {
+            // "E-Mail / Mail" is a mail label; a mix with phone words is not a label.
+            if (out.kind == LabelKind::Phone && !out.qualifier.isEmpty())
+                return std::nullopt;
+            out.kind = l->kind;
+            continue;
+        }
+        if (!l->qualifier.isEmpty() &&
+            (out.qualifier.isEmpty() || l->qualifier == u"fax"_s || l->qualifier == u"mobile"_s))
+            out.qualifier = l->qualifier;
+    }
+    return out;
+}
+
+} // namespace
+
+QList<QStringView> Words(QStringView text)
+{
+    QList<QStringView> out;
+    qsizetype start = -1;
+    for (qsizetype i = 0; i <= text.size(); ++i) {
+        const bool blank = i == text.size() || text[i] == u' ';
+        if (blank && start >= 0) {
+            out.append(text.mid(start, i - start));
+            start = -1;
+        } else if (!blank && start < 0) {
+            start = i;
+        }
+    }
+    return out;
+}
+
+QString Bare(QStringView word)
+{
+    return stripTrailing(word, u",;:").toLower();
+}
+
+bool IsAllCaps(QStringView text)
+{
+    bool letters = false;
+    for (QChar c : text) {
+        if (c.isLower())
+            return false;
+        letters = letters || c.isLetter();
+    }
+    return letters;
+}
+
+int CountDigitsIn(QStringView text)
+{
+    int n = 0;
+    for (QChar c : text)
+        n += isDigit(c);
+    return n;
+}
+
+namespace {
+
+// Greetings carry neither digits nor mail addresses; most address lines do, and are passed
+// over before any lower-casing.
+bool hasDigitOrAt(QStringView text)
+{
+    for (QChar c : text)
+        if (isDigit(c) || c == u'@')
+            return true;
+    return false;
+}
+
+} // namespace
+
+bool IsClosing(QStringView text)
+{
+    const Knowledge& k = knowledge();
+    if (text.size() > 80 || text.count(u' ') > 6 || hasDigitOrAt(text))
+        return false;
+    const QString lower = stripTrailing(text, u" ,.!").toLower();
+    if (k.closings.contains(lower))
+        return true;
+    for (const QString& stem : k.closingStems)
+        if (lower.contains(stem))
+            return true;
+    return false;
+}
+
+bool IsOpening(QStringView text)
+{
+    const Knowledge& k = knowledge();
+    if (text.isEmpty() || !text[0].isLetter() || hasDigitOrAt(text))
+        return false;
+    const QString lower = text.toString().toLower();
+    for (const QString& o : k.openings)
+        if (startsWithWord(lower, o))
+            return lower.endsWith(u',') || lower.endsWith(u'!') || Words(lower).size() <= 4;
+    return false;
+}
+
+bool IsThreadCut(QStringView text)
+{
+    if (text.startsWith(u"-----"_s) || text.startsWith(u"_____"_s)) {
+        for (QChar c : text)
+            if (c.isLetter())
+                return true;
+        return text.size() >= 10 && text.startsWith(u"_____"_s);
+    }
+    if (!text.endsWith(u':') && !text.contains(u'@'))
+        return false;
+    const QString lower = text.toString().toLower();
+    if ((lower.startsWith(u"von:"_s) || lower.startsWith(u"from:"_s)) && lower.contains(u'@'))
+        return true;
+    if (lower.endsWith(u':') && (lower.contains(u" schrieb"_s) || lower.contains(u" wrote"_s)))
+        return true;
+    return false;
+}
+
+bool IsDate(QStringView text)
+{
+    // d.m.yy or d.m.yyyy anywhere
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (!isDigit(text[i]) || (i > 0 && isDigit(text[i - 1])))
+            continue;
+        qsizetype j = i;
+        int groups = 0;
+        while (groups < 3) {
+            const qsizetype s = j;
+            while (j < text.size() && isDigit(text[j]))
+                ++j;
+            const qsizetype len = j - s;
+            if (len == 0 || len > 4 || (groups < 2 && len > 2))
+                break;
+            ++groups;
+            if (groups == 3)
+                return len == 2 || len == 4;
+            if (j >= text.size() || text[j] != u'.')
+                break;
+            ++j;
+            if (j < text.size() && text[j] == u' ')
+                ++j;
+        }
+    }
+    return false;
+}
+
+bool IsNoise(QStringView text, QString* why)
+{
+    const Knowledge& k = knowledge();
+    const QString lower = text.toString().toLower();
+    for (const QString& p : k.noisePhrases)
+        if (lower.startsWith(p)) {
+            *why = u"Hinweis \"%1\""_s.arg(p);
+            return true;
+        }
+    for (QStringView w : Words(lower)) {
+        const QString bare = Bare(w);
+        if (k.noiseWords.contains(bare) || k.noiseWords.contains(stripTrailing(bare, u"."))) {
+            *why = u"Wort \"%1\""_s.arg(bare);
+            return true;
+        }
+    }
+    if (lower.contains(u'!') || lower.contains(u"+++"_s)) {
+        *why = u"Ausruf"_s;
+        return true;
+    }
+    if (IsDate(text)) {
+        *why = u"Datum"_s;
+        return true;
+    }
+    return false;
+}
+
+std::optional<LabelHit> ParseLabel(QStringView text)
+{
+    const Knowledge& k = knowledge();
+    const qsizetype colon = text.indexOf(u':');
+    if (colon > 0 && colon <= 60 && !text.mid(colon).startsWith(u"://"_s)) {
+        const QStringView name = text.left(colon).trimmed();
+        // An ordinal may open a label ("1. Vorsitzende:"), other digits make it a value.
+        const bool ordinal = name.size() > 3 && isDigit(name[0]) && name[1] == u'.' &&
+                             name[2] == u' ' && CountDigitsIn(name) == 1;
+        if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal) && !name.contains(u'@') &&
+            Words(name).size() <= 6) {
+            LabelHit hit;
+            hit.name = name.toString();
+            hit.rest = text.mid(colon + 1).trimmed().toString();
+            const QString lower = hit.name.toLower();
+            if (const Label* l = k.label(lower)) {
+                hit.known = true;
+                hit.label = *l;
+            } else if (const auto combined = combinedPhoneLabel(lower)) {
+                hit.known = true;
+                hit.label = *combined;
+            }
+            return hit;
+        }
+    }
+    // Phone, mail and web labels also stand without a colon: "Tel. 0711 1234", "Fax 0711".
+    const QList<QStringView> words = Words(text);
+    if (words.size() < 2 || !k.label(words[0].toString().toLower()))
+        return std::nullopt;
+    for (qsizetype n = std::min<qsizetype>(3, words.size() - 1); n >= 1; --n) {
+        const QString lower = joined(words, 0, n).toLower();
+        std::optional<Label> label;
+        if (const Label* l = k.label(lower))
+            label = *l;
+        else
+            label = combinedPhoneLabel(lower);
+        if (!label)
+            continue;
+        const QStringView rest = text.mid(words[n].data() - text.data()).trimmed();
+        bool fits = false;
+        if (label->kind == LabelKind::Phone)
+            fits = rest.front() == u'+' || rest.front() == u'(' || isDigit(rest.front()) ||
+                   (rest.size() > 1 && isDigitLike(rest[0]) && isDigit(rest[1]));
+        else if (label->kind == LabelKind::Email)
+            fits = !FindEMail(rest).isEmpty();
+        else if (label->kind == LabelKind::Web)
+            fits = !FindWebHost(rest, true).isEmpty();
+        else if (label->kind == LabelKind::Role)
+            // An abbreviated role in front of a name: "Inh. Eva Roth".
+            fits = n == 1 && words[0].endsWith(u'.') && ParsePerson(rest, false).has_value();
+        if (!fits)
+            continue;
+        LabelHit hit;
+        hit.known = true;
+        hit.label = *label;
+        hit.name = joined(words, 0, n);
+        hit.rest = rest.toString();
+        return hit;
+    }
+    return std::nullopt;
+}
+
+} // namespace zf::enhanced

@@ -1,0 +1,72 @@
+#pragma once
+
+// Small word and digit helpers the recognisers share.
+
+#include <QList>
+#include <QString>
+#include <QStringView>
+
+namespace zf::enhanced {
+
+inline bool isDigit(QChar c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
+// Letters that OCR mistakes for digits.
+inline bool isDigitLike(QChar c)
+{
+    return c == u'O' || c == u'o' || c == u'l' || c == u'I';
+}
+
+inline QChar asDigit(QChar c)
+{
+    return (c == u'O' || c == u'o') ? u'0' : (c == u'l' || c == u'I') ? u'1' : c;
+}
+
+// A word of digits in which OCR slips are mended: "2O" -> "20", "l6816" -> "16816".
+inline QString mendedNumber(QStringView word)
+{
+    int digits = 0;
+    for (QChar c : word) {
+        if (isDigit(c))
+            ++digits;
+        else if (!isDigitLike(c))
+            return {};
+    }
+    if (digits == 0 || digits * 2 < word.size())
+        return {};
+    QString out;
+    for (QChar c : word)
+        out.append(asDigit(c));
+    return out;
+}
+
+inline QString stripTrailing(QStringView w, QStringView chars)
+{
+    while (!w.isEmpty() && chars.contains(w.back()))
+        w.chop(1);
+    return w.toString();
+}
+
+inline bool startsWithWord(const QString& lower, const QString& word)
+{
+    if (!lower.startsWith(word))
+        return false;
+    if (lower.size() == word.size())
+        return true;
+    const QChar next = lower[word.size()];
+    return !next.isLetterOrNumber();
+}
+inline QString joined(const QList<QStringView>& words, qsizetype from, qsizetype to)
+{
+    QString out;
+    for (qsizetype i = from; i < to; ++i) {
+        if (!out.isEmpty())
+            out.append(u' ');
+        out.append(words[i]);
+    }
+    return out;
+}
+
+} // namespace zf::enhanced
