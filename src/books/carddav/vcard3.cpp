@@ -1,12 +1,15 @@
 #include "vcard3.h"
 
 #include "analysis/fields.h"
+#include "books/vcard/vcardtext.h"
 
 #include <QUuid>
 
 using namespace Qt::StringLiterals;
 
 namespace zf::carddav {
+
+using vcard::cleanControls;
 
 namespace {
 
@@ -15,33 +18,6 @@ const QString UserFieldPrefix = u"X-ZETTELFISCHER-FIELD-"_s;
 QString str(std::u16string_view s)
 {
     return QString::fromUtf16(s.data(), qsizetype(s.size()));
-}
-
-// Line breaks of any kind as one LF, tabs as spaces, every other control character gone.
-QString cleanControls(const QString& value)
-{
-    QString out;
-    out.reserve(value.size());
-    for (qsizetype i = 0; i < value.size(); ++i) {
-        const QChar c = value[i];
-        if (c == u'\r') {
-            out += u'\n';
-            if (i + 1 < value.size() && value[i + 1] == u'\n')
-                ++i;
-        } else if (c == u'\n') {
-            out += c;
-        } else if (c == u'\t') {
-            out += u' ';
-        } else if (c.unicode() >= 0x20 && c.unicode() != 0x7F) {
-            out += c;
-        }
-    }
-    return out;
-}
-
-bool isContinuationByte(char byte)
-{
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
 // Splits at separators outside double quotes.
@@ -181,61 +157,6 @@ QStringList splitEscaped(QStringView value, QChar separator)
     }
     parts.append(value.mid(start).toString());
     return parts;
-}
-
-QString quoteParameter(const QString& value)
-{
-    QString out = u"\""_s;
-    for (const QChar c : cleanControls(value)) {
-        if (c == u'^')
-            out += u"^^"_s;
-        else if (c == u'"')
-            out += u"^'"_s;
-        else if (c == u'\n')
-            out += u"^n"_s;
-        else
-            out += c;
-    }
-    return out + u'"';
-}
-
-QString unquoteParameter(QStringView value)
-{
-    if (value.size() >= 2 && value.front() == u'"' && value.back() == u'"')
-        value = value.mid(1, value.size() - 2);
-    QString out;
-    for (qsizetype i = 0; i < value.size(); ++i) {
-        if (value[i] == u'^' && i + 1 < value.size()) {
-            const QChar next = value[i + 1];
-            if (next == u'^' || next == u'\'' || next == u'n') {
-                out += next == u'^' ? u'^' : next == u'\'' ? u'"' : u'\n';
-                ++i;
-                continue;
-            }
-        }
-        out += value[i];
-    }
-    return out;
-}
-
-QByteArray foldLine(const QString& line)
-{
-    const QByteArray utf8 = line.toUtf8();
-    QByteArray out;
-    qsizetype pos = 0;
-    qsizetype room = 75; // continuation lines start with a space
-    while (utf8.size() - pos > room) {
-        qsizetype cut = pos + room;
-        while (cut > pos && isContinuationByte(utf8[cut]))
-            --cut;
-        out += utf8.mid(pos, cut - pos);
-        out += "\r\n ";
-        pos = cut;
-        room = 74;
-    }
-    out += utf8.mid(pos);
-    out += "\r\n";
-    return out;
 }
 
 QStringList VCard::Line::types() const

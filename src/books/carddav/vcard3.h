@@ -3,6 +3,8 @@
 // A vCard (3.0 when we write it) kept as its content lines, so that a card written by another
 // program comes back byte for byte except for the lines we change.
 
+#include "books/vcard/vcardtext.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QList>
@@ -35,12 +37,10 @@ QString escapeText(const QString& value);
 QString unescapeText(QStringView value);
 // Splits at separators that are not escaped; the parts keep their escapes.
 QStringList splitEscaped(QStringView value, QChar separator);
-// A parameter value, quoted, with ^ escapes (RFC 6868) and without control characters.
-QString quoteParameter(const QString& value);
-QString unquoteParameter(QStringView value);
-// The content line in UTF-8, folded to 75 octets per line, each ended by CRLF; never cuts a
-// multi-octet character.
-QByteArray foldLine(const QString& line);
+// Parameters and folding as in every card the program writes.
+using vcard::foldLine;
+using vcard::quoteParameter;
+using vcard::unquoteParameter;
 
 class VCard {
 public:

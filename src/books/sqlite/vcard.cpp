@@ -1,5 +1,7 @@
 #include "vcard.h"
 
+#include "books/vcard/vcardtext.h"
+
 #include "analysis/fields.h"
 
 #include <QMap>
@@ -34,32 +36,11 @@ QString toString(std::u16string_view text)
     return QString::fromUtf16(text.data(), qsizetype(text.size()));
 }
 
-// Line breaks (CRLF, LF, CR) become one LF and a tab a space; every other control character
-// (C0, DEL, C1) is dropped: the card holds no control character but its own CRLFs.
-QString cleaned(const QString& value)
-{
-    QString out;
-    out.reserve(value.size());
-    for (qsizetype i = 0; i < value.size(); ++i) {
-        const char16_t c = value[i].unicode();
-        if (c == u'\r') {
-            out += u'\n';
-            if (i + 1 < value.size() && value[i + 1] == u'\n')
-                ++i;
-        } else if (c == u'\t') {
-            out += u' ';
-        } else if (c == u'\n' || (c >= 0x20 && c < 0x7F) || c > 0x9F) {
-            out += value[i];
-        }
-    }
-    return out;
-}
-
 QString escape(const QString& value, bool component)
 {
     QString out;
     out.reserve(value.size());
-    for (const QChar c : cleaned(value)) {
+    for (const QChar c : vcard::cleanControls(value)) {
         if (c == u'\\' || c == u',' || (component && c == u';')) {
             out += u'\\';
             out += c;
@@ -74,18 +55,13 @@ QString escape(const QString& value, bool component)
 
 QString escapeUri(const QString& value)
 {
-    return cleaned(value).replace(u'\n', u"\\n"_s);
+    return vcard::cleanControls(value).replace(u'\n', u"\\n"_s);
 }
 
 int telRank(std::u16string_view type)
 {
     const auto* it = std::find(std::begin(TelTypeOrder), std::end(TelTypeOrder), type);
     return int(it - std::begin(TelTypeOrder));
-}
-
-bool isContinuationByte(char byte)
-{
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
 } // namespace
@@ -100,43 +76,6 @@ QString escapeVCardComponent(const QString& value)
     return escape(value, true);
 }
 
-QString quoteVCardParameter(const QString& value)
-{
-    QString out = u"\""_s;
-    for (const QChar c : cleaned(value)) {
-        if (c == u'^')
-            out += u"^^"_s;
-        else if (c == u'"')
-            out += u"^'"_s;
-        else if (c == u'\n')
-            out += u"^n"_s;
-        else
-            out += c;
-    }
-    return out + u'"';
-}
-
-QByteArray foldVCardLine(const QString& line)
-{
-    const QByteArray utf8 = line.toUtf8();
-    QByteArray out;
-    qsizetype pos = 0;
-    // The first line holds 75 octets; every continuation line starts with a space.
-    qsizetype room = 75;
-    while (utf8.size() - pos > room) {
-        qsizetype cut = pos + room;
-        while (cut > pos && isContinuationByte(utf8[cut]))
-            --cut;
-        out += utf8.mid(pos, cut - pos);
-        out += "\r\n ";
-        pos = cut;
-        room = 74;
-    }
-    out += utf8.mid(pos);
-    out += "\r\n";
-    return out;
-}
-
 QByteArray contactToVCard(const QList<BookValue>& values)
 {
     QMap<qint32, QString> byId;
@@ -146,7 +85,7 @@ QByteArray contactToVCard(const QList<BookValue>& values)
     const auto value = [&](FieldId id) { return byId.value(idOf(id)); };
 
     QByteArray card;
-    const auto add = [&card](const QString& line) { card += foldVCardLine(line); };
+    const auto add = [&card](const QString& line) { card += vcard::foldLine(line); };
     add(u"BEGIN:VCARD"_s);
     add(u"VERSION:4.0"_s);
 
@@ -199,7 +138,7 @@ QByteArray contactToVCard(const QList<BookValue>& values)
             continue;
         QString line = u"X-ZETTELFISCHER-FIELD-%1"_s.arg(v.fieldId);
         if (!v.label.isEmpty())
-            line += u";X-LABEL="_s + quoteVCardParameter(v.label);
+            line += u";X-LABEL="_s + vcard::quoteParameter(v.label);
         add(line + u':' + escapeVCardText(v.value));
     }
     add(u"END:VCARD"_s);

@@ -19,11 +19,6 @@ namespace zf::act {
 QString escapeVCardText(const QString& value);
 // One component of a structured value (N, ADR, ORG): also the semicolon.
 QString escapeVCardComponent(const QString& value);
-// A parameter value, quoted, with ^ escapes for quote and line break (RFC 6868).
-QString quoteVCardParameter(const QString& value);
-// The content line in UTF-8, folded into lines of at most 75 octets, each ended by CRLF.
-// Multi-octet characters are never cut.
-QByteArray foldVCardLine(const QString& line);
 
 // One card of the contact's values (those with a value; others are left out). The twenty
 // standard fields go where the standard field table puts them (N, FN, ORG, TITLE, ADR, TEL,

@@ -101,25 +101,6 @@ private slots:
         QCOMPARE(unescapeText(escaped), value);
     }
 
-    void parameters_data()
-    {
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("quoted");
-        QTest::newRow("plain") << "Kunden-Nr."
-                               << "\"Kunden-Nr.\"";
-        QTest::newRow("quote, caret, break") << "a\"b^c\r\nd"
-                                             << "\"a^'b^^c^nd\"";
-        QTest::newRow("separators need no escape") << "a;b:c,d"
-                                                   << "\"a;b:c,d\"";
-    }
-    void parameters()
-    {
-        QFETCH(QString, value);
-        QFETCH(QString, quoted);
-        QCOMPARE(quoteParameter(value), quoted);
-        QCOMPARE(unquoteParameter(quoted), QString(value).replace("\r\n", "\n"));
-    }
-
     void folding_data()
     {
         QTest::addColumn<QString>("line");

@@ -51,40 +51,6 @@ private slots:
         QCOMPARE(escapeVCardComponent(value), component);
     }
 
-    void parameter()
-    {
-        QCOMPARE(quoteVCardParameter("Sag \"Hi\"^\nTschüss"), "\"Sag ^'Hi^'^^^nTschüss\"");
-        QCOMPARE(quoteVCardParameter(u"a\0\tb\r\nc"_s), "\"a b^nc\"");
-    }
-
-    void folding_data()
-    {
-        QTest::addColumn<QString>("line");
-        QTest::newRow("exactly 75") << QString(75, 'a');
-        QTest::newRow("76") << QString(76, 'a');
-        QTest::newRow("long ascii") << "NOTE:" + QString(300, 'x');
-        QTest::newRow("three-octet characters") << "X-A:" + QString(100, QChar(0x20AC));
-        QTest::newRow("surrogate pairs") << "X-B:" + QString(60, 'a') + QString("😀").repeated(30);
-    }
-
-    void folding()
-    {
-        QFETCH(QString, line);
-        QList<QByteArray> physical = foldVCardLine(line).split('\n');
-        QCOMPARE(physical.takeLast(), QByteArray()); // ends with a line break
-        QCOMPARE(physical.size() > 1, line.toUtf8().size() > 75);
-        QByteArray unfolded;
-        for (qsizetype i = 0; i < physical.size(); ++i) {
-            QVERIFY(physical[i].endsWith('\r') && (i == 0 || physical[i].startsWith(' ')));
-            const QByteArray l = physical[i].chopped(1).mid(i == 0 ? 0 : 1);
-            QVERIFY2(l.size() <= (i == 0 ? 75 : 74), l.constData());
-            QVERIFY(i + 1 == physical.size() || l.size() >= 71); // filled, not cut early
-            QVERIFY(QString::fromUtf8(l).toUtf8() == l);         // no character cut
-            unfolded += l;
-        }
-        QCOMPARE(QString::fromUtf8(unfolded), line);
-    }
-
     // The values ("id=value" or "id=value=label", split by "|"; only fields outside the
     // standard twenty need labels) and the file with the card they give.
     void cards_data()
