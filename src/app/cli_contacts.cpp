@@ -258,6 +258,47 @@ int davContactsCommand(const QString& command, const QStringList& args, DavBook&
     return 0;
 }
 
+// One transfer through the contact link as a script runs it: messages recorded, the completion
+// prompt answered "back", and the report printed by finish().
+struct LinkTransfer {
+    ContactLink link;
+    QJsonArray messages;
+    bool prompted = false;
+    QJsonObject out;
+
+    LinkTransfer(std::shared_ptr<ObjectFactory> factory, bool create, AnalyseRun& run)
+        : link(std::move(factory))
+    {
+        WindowHooks hooks;
+        hooks.showMessage = recordMessages(messages);
+        hooks.showCompletionPrompt = [this](bool) {
+            prompted = true;
+            return Completion::Back; // a script decides itself what comes next
+        };
+        link.TransferContact(create, run.session, hooks);
+        out = QJsonObject{
+            {u"mode"_s, create ? u"new"_s : u"edit"_s},
+            {u"transferred"_s, prompted},
+            {u"messages"_s, messages},
+            {u"analysis"_s, analysisToJson(run, false)},
+        };
+    }
+
+    // Prints the report; exit status 0 when the contact was filed, else 1 with the reason.
+    int finish()
+    {
+        printJson(out);
+        if (prompted)
+            return 0;
+        QString reason = messages.isEmpty()
+                             ? u"nothing transferred"_s
+                             : messages.last().toObject().value(u"text"_s).toString();
+        if (!link.lastError().isEmpty())
+            reason += u" (%1)"_s.arg(link.lastError());
+        return failure(reason);
+    }
+};
+
 int davTransfer(bool create, const books::BookLocation& location, const AnalyseOptions& options)
 {
     const std::shared_ptr<DavBook> dav = davBook(location);
@@ -272,39 +313,16 @@ int davTransfer(bool create, const books::BookLocation& location, const AnalyseO
 
     std::optional<QString> written;
     dav->setWritten([&written](const QString& id) { written = id; });
-    ContactLink link(books::makeDavBookFactory(dav));
-    QJsonArray messages;
-    bool prompted = false;
-    WindowHooks hooks;
-    hooks.showMessage = recordMessages(messages);
-    hooks.showCompletionPrompt = [&prompted](bool) {
-        prompted = true;
-        return Completion::Back;
-    };
-    link.TransferContact(create, run.session, hooks);
-
-    QJsonObject out{
-        {u"mode"_s, create ? u"new"_s : u"edit"_s},
-        {u"transferred"_s, prompted},
-        {u"messages"_s, messages},
-        {u"analysis"_s, analysisToJson(run, false)},
-    };
+    LinkTransfer t(books::makeDavBookFactory(dav), create, run);
     try {
-        if (prompted)
-            out.insert(
+        if (t.prompted)
+            t.out.insert(
                 u"contact"_s,
                 contactToJson(*dav, fetchCard(*dav, written ? *written : chosenContact(*dav, {}))));
     } catch (const DavError& e) {
         return failure(e.message());
     }
-    printJson(out);
-    if (prompted)
-        return 0;
-    QString reason = messages.isEmpty() ? u"nothing transferred"_s
-                                        : messages.last().toObject().value(u"text"_s).toString();
-    if (!link.lastError().isEmpty())
-        reason += u" (%1)"_s.arg(link.lastError());
-    return failure(reason);
+    return t.finish();
 }
 
 int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& options)
@@ -321,41 +339,19 @@ int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& optio
     // The contact this transfer wrote: the book's current contact may already be another
     // program's by the time the answer is printed.
     std::optional<qint64> written;
-    ContactLink link(makeContactBookFactory(path, [&written](qint64 id) { written = id; }));
-    QJsonArray messages;
-    bool prompted = false;
-    WindowHooks hooks;
-    hooks.showMessage = recordMessages(messages);
-    hooks.showCompletionPrompt = [&prompted](bool) {
-        prompted = true;
-        return Completion::Back; // a script decides itself what comes next
-    };
-    link.TransferContact(create, run.session, hooks);
-
-    QJsonObject out{
-        {u"mode"_s, create ? u"new"_s : u"edit"_s},
-        {u"transferred"_s, prompted},
-        {u"messages"_s, messages},
-        {u"analysis"_s, analysisToJson(run, false)},
-    };
+    LinkTransfer t(makeContactBookFactory(path, [&written](qint64 id) { written = id; }), create,
+                   run);
     try {
-        if (prompted) {
+        if (t.prompted) {
             ContactBook book(path, ContactBook::Access::Read);
             // An edit without a single field wrote nothing: it addressed the current contact.
-            out.insert(u"contact"_s,
-                       contactToJson(book, written ? *written : chosenContact(book, {})));
+            t.out.insert(u"contact"_s,
+                         contactToJson(book, written ? *written : chosenContact(book, {})));
         }
     } catch (const BookError& e) {
         return failure(e.message());
     }
-    printJson(out);
-    if (prompted)
-        return 0;
-    QString reason = messages.isEmpty() ? u"nothing transferred"_s
-                                        : messages.last().toObject().value(u"text"_s).toString();
-    if (!link.lastError().isEmpty())
-        reason += u" (%1)"_s.arg(link.lastError());
-    return failure(reason);
+    return t.finish();
 }
 
 } // namespace

@@ -112,20 +112,7 @@ int componentCount(const QString& name)
 
 QString escapeText(const QString& value)
 {
-    QString out;
-    const QString clean = cleanControls(value);
-    out.reserve(clean.size());
-    for (const QChar c : clean) {
-        if (c == u'\\' || c == u',' || c == u';') {
-            out += u'\\';
-            out += c;
-        } else if (c == u'\n') {
-            out += u"\\n"_s;
-        } else {
-            out += c;
-        }
-    }
-    return out;
+    return vcard::escapeValue(value, true);
 }
 
 QString unescapeText(QStringView value)

@@ -36,23 +36,6 @@ QString toString(std::u16string_view text)
     return QString::fromUtf16(text.data(), qsizetype(text.size()));
 }
 
-QString escape(const QString& value, bool component)
-{
-    QString out;
-    out.reserve(value.size());
-    for (const QChar c : vcard::cleanControls(value)) {
-        if (c == u'\\' || c == u',' || (component && c == u';')) {
-            out += u'\\';
-            out += c;
-        } else if (c == u'\n') {
-            out += u"\\n"_s;
-        } else {
-            out += c;
-        }
-    }
-    return out;
-}
-
 QString escapeUri(const QString& value)
 {
     return vcard::cleanControls(value).replace(u'\n', u"\\n"_s);
@@ -68,12 +51,12 @@ int telRank(std::u16string_view type)
 
 QString escapeVCardText(const QString& value)
 {
-    return escape(value, false);
+    return vcard::escapeValue(value, false);
 }
 
 QString escapeVCardComponent(const QString& value)
 {
-    return escape(value, true);
+    return vcard::escapeValue(value, true);
 }
 
 QByteArray contactToVCard(const QList<BookValue>& values)

@@ -32,6 +32,23 @@ QString cleanControls(const QString& value)
     return out;
 }
 
+QString escapeValue(const QString& value, bool semicolon)
+{
+    QString out;
+    out.reserve(value.size());
+    for (const QChar c : cleanControls(value)) {
+        if (c == u'\\' || c == u',' || (semicolon && c == u';')) {
+            out += u'\\';
+            out += c;
+        } else if (c == u'\n') {
+            out += u"\\n"_s;
+        } else {
+            out += c;
+        }
+    }
+    return out;
+}
+
 QString quoteParameter(const QString& value)
 {
     QString out = u"\""_s;

@@ -13,6 +13,10 @@ namespace zf::vcard {
 // character (U+0000 to U+001F, U+007F to U+009F) dropped.
 QString cleanControls(const QString& value);
 
+// A text value with backslash, comma and line breaks escaped, and the semicolon where it
+// would divide a structured value.
+QString escapeValue(const QString& value, bool semicolon);
+
 // A parameter value, quoted, with ^ escapes for caret, quote and line break (RFC 6868).
 QString quoteParameter(const QString& value);
 QString unquoteParameter(QStringView value);
