@@ -16,6 +16,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QTimeZone>
 
 #include <algorithm>
 #include <cstdio>
@@ -156,13 +157,32 @@ int contactsCommand(const QString& command, const QStringList& args, const QStri
             ids = book.contactIds();
         QByteArray cards;
         for (const qint64 id : ids)
-            cards += contactToVCard(book.contactValues(id));
+            cards += contactToVCard(book.contactValues(id),
+                                    {book.contactUid(id), book.contactModified(id)});
         std::fwrite(cards.constData(), 1, size_t(cards.size()), stdout);
     }
     return 0;
 }
 
 // --- CardDAV ---
+
+// The server card's own UID and REV, so that the export names the same contact.
+CardStamp cardStamp(const QByteArray& data)
+{
+    const carddav::VCard card = carddav::VCard::parse(data);
+    CardStamp stamp{card.uid(), {}};
+    for (const carddav::VCard::Line& line : card.lines()) {
+        if (line.name != u"REV"_s)
+            continue;
+        // Extended ISO as servers write it, or the basic form of our own cards.
+        stamp.revision = QDateTime::fromString(line.value, Qt::ISODate);
+        if (!stamp.revision.isValid()) {
+            stamp.revision = QDateTime::fromString(line.value, u"yyyyMMdd'T'HHmmss'Z'"_s);
+            stamp.revision.setTimeZone(QTimeZone::utc());
+        }
+    }
+    return stamp;
+}
 
 std::shared_ptr<DavBook> davBook(const books::BookLocation& location)
 {
@@ -252,7 +272,7 @@ int davContactsCommand(const QString& command, const QStringList& args, DavBook&
             cards.append(fetchCard(dav, id));
         QByteArray out;
         for (const carddav::Card& card : cards)
-            out += contactToVCard(books::cardValues(card.data));
+            out += contactToVCard(books::cardValues(card.data), cardStamp(card.data));
         std::fwrite(out.constData(), 1, size_t(out.size()), stdout);
     }
     return 0;

@@ -197,12 +197,26 @@ private slots:
         QCOMPARE(contacts({"fields"}).out.split('\n').mid(20),
                  (QList<QByteArray>{"32767\t", "300\tGeburtstag", ""}));
 
-        QCOMPARE(contacts({"export", "2"}).out,
-                 "BEGIN:VCARD\r\nVERSION:4.0\r\nFN:Zweite Firma GmbH\r\n"
-                 "ORG:Zweite Firma GmbH\r\nADR:;;;;;;Deutschland\r\nEND:VCARD\r\n");
+        // The card, then its stamp: a UID that stays the contact's and the time of its last write.
+        const QByteArray second = contacts({"export", "2"}).out;
+        const QByteArray body = "BEGIN:VCARD\r\nVERSION:4.0\r\nFN:Zweite Firma GmbH\r\nN:;;;;\r\n"
+                                "ORG:Zweite Firma GmbH\r\nADR:;;;;;;Deutschland\r\nUID:urn:uuid:";
+        QVERIFY2(second.startsWith(body), second.constData());
+        QVERIFY(QRegularExpression("\r\nREV:\\d{8}T\\d{6}Z\r\nEND:VCARD\r\n$")
+                    .match(second)
+                    .hasMatch());
+        const auto uids = [](const QByteArray& cards) {
+            return QRegularExpression("UID:(\\S+)").globalMatch(QString::fromUtf8(cards));
+        };
         r = contacts({"export"});
         QCOMPARE(r.out.count("BEGIN:VCARD"), 2);
         QVERIFY(r.out.contains("ADR:;;Hauptstr. 5;Wien;;1010;"));
+        QStringList all;
+        for (auto it = uids(r.out); it.hasNext();)
+            all << it.next().captured(1);
+        QCOMPARE(all.size(), 2);
+        QVERIFY(all[0] != all[1]);
+        QVERIFY(second.contains(all[1].toUtf8())); // the same UID on every export
         r = contacts({"export", "1", "9"});
         QCOMPARE(r.exitCode, 1);
         QVERIFY(r.out.isEmpty());

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QUuid>
 
 #include <functional>
 
@@ -185,6 +186,7 @@ ContactBook::ContactBook(const QString& path, Access access) : m_path(path)
         if (access == Access::Write) {
             checkIntegrity();
             useWal();
+            keepBookUid();
         } else if (created) {
             useWal();
         }
@@ -492,6 +494,55 @@ void ContactBook::addField(qint32 fieldId, const QString& label)
         .bind(2, label)
         .run();
     transaction.commit();
+}
+
+QString ContactBook::bookUid()
+{
+    {
+        Statement kept(*this, "SELECT value FROM state WHERE key = 'book_uid'");
+        if (kept.step() && !kept.isNull(0))
+            return kept.text(0);
+    }
+    // A book from before it kept one: derived from its first contact, the same on every read,
+    // and what keepBookUid stores at the next write.
+    Statement first(*this, "SELECT id, created FROM contacts ORDER BY id LIMIT 1");
+    if (first.step())
+        return u"%1/%2"_s.arg(first.text(1)).arg(first.integer(0));
+    return {};
+}
+
+void ContactBook::keepBookUid()
+{
+    {
+        Statement kept(*this, "SELECT 1 FROM state WHERE key = 'book_uid'");
+        if (kept.step())
+            return;
+    }
+    Transaction transaction([this](const char* sql) { exec(sql); });
+    QString uid = bookUid(); // another program's, once it has stored one meanwhile
+    if (uid.isEmpty())
+        uid = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    Statement(*this, "INSERT OR IGNORE INTO state (key, value) VALUES ('book_uid', ?)")
+        .bind(1, uid)
+        .run();
+    transaction.commit();
+}
+
+QString ContactBook::contactUid(qint64 contactId)
+{
+    // Any fixed namespace will do; it only has to stay the same.
+    static const QUuid space(u"9a3f6c1e-5b2d-4e8f-a7c4-1d6e2b9f0c53"_s);
+    return u"urn:uuid:"_s + QUuid::createUuidV5(space, u"%1/%2"_s.arg(bookUid()).arg(contactId))
+                                .toString(QUuid::WithoutBraces);
+}
+
+QDateTime ContactBook::contactModified(qint64 contactId)
+{
+    Statement query(*this, "SELECT modified FROM contacts WHERE id = ?");
+    query.bind(1, contactId);
+    if (!query.step())
+        return {};
+    return QDateTime::fromString(query.text(0), Qt::ISODate);
 }
 
 } // namespace zf::act

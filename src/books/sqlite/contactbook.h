@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QList>
 #include <QString>
 
@@ -87,6 +88,12 @@ public:
     // Appends a field definition; "" for a field without a label.
     void addField(qint32 fieldId, const QString& label);
 
+    // The contact's UID in vCards ("urn:uuid:..."): the same for the contact's whole life, and
+    // another in every other book.
+    QString contactUid(qint64 contactId);
+    // When the contact was last written; invalid when there is no such contact.
+    QDateTime contactModified(qint64 contactId);
+
 private:
     class Statement;
     friend class Statement;
@@ -98,6 +105,9 @@ private:
     void checkIntegrity();
     void useWal();
     void touch(qint64 contactId);
+    // What tells this book from every other one, as the contacts' UIDs need it.
+    QString bookUid();
+    void keepBookUid();
     void storeValue(qint64 contactId, qint32 fieldId, const QString& value);
 
     QString m_path;

@@ -59,7 +59,7 @@ QString escapeVCardComponent(const QString& value)
     return vcard::escapeValue(value, true);
 }
 
-QByteArray contactToVCard(const QList<BookValue>& values)
+QByteArray contactToVCard(const QList<BookValue>& values, const CardStamp& stamp)
 {
     QMap<qint32, QString> byId;
     for (const BookValue& v : values)
@@ -88,7 +88,8 @@ QByteArray contactToVCard(const QList<BookValue>& values)
         for (const StandardField& f : StandardFields)
             if (f.vcard.property == property.name && byId.contains(idOf(f.id)))
                 filled.append(&f);
-        if (filled.isEmpty())
+        // Every card names its person, if only with empty components: importers insist on N.
+        if (filled.isEmpty() && property.name != u"N")
             continue;
         const QString name = toString(property.name);
         if (property.components >= 0) {
@@ -124,6 +125,10 @@ QByteArray contactToVCard(const QList<BookValue>& values)
             line += u";X-LABEL="_s + vcard::quoteParameter(v.label);
         add(line + u':' + escapeVCardText(v.value));
     }
+    if (!stamp.uid.isEmpty())
+        add(u"UID:"_s + vcard::cleanControls(stamp.uid).remove(u'\n'));
+    if (stamp.revision.isValid())
+        add(u"REV:"_s + stamp.revision.toUTC().toString(u"yyyyMMdd'T'HHmmss'Z'"_s));
     add(u"END:VCARD"_s);
     return card;
 }

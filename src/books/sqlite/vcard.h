@@ -3,6 +3,7 @@
 #include "contactbook.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QList>
 #include <QString>
 
@@ -24,6 +25,13 @@ QString escapeVCardComponent(const QString& value);
 // standard fields go where the standard field table puts them (N, FN, ORG, TITLE, ADR, TEL,
 // EMAIL and URL, the last without text escapes), any other field to an
 // X-ZETTELFISCHER-FIELD-<id> property that carries the field's label.
-QByteArray contactToVCard(const QList<BookValue>& values);
+//
+// With a stamp the card also carries UID and REV, so that a program importing the export twice
+// updates its contacts instead of doubling them.
+struct CardStamp {
+    QString uid;        // a URI, e.g. "urn:uuid:..."
+    QDateTime revision; // the contact's last change
+};
+QByteArray contactToVCard(const QList<BookValue>& values, const CardStamp& stamp = {});
 
 } // namespace zf::act

@@ -80,9 +80,24 @@ private slots:
     void cards()
     {
         QFETCH(QString, values);
-        const QByteArray card = contactToVCard(bookValues(values));
-        const QString expected =
-            QStringLiteral(ZF_TEST_DATA "/") + QTest::currentDataTag() + ".vcf";
+        matchesFile(contactToVCard(bookValues(values)), QTest::currentDataTag());
+    }
+
+    // UID and REV close the card, REV in the basic UTC form.
+    void stampedCard()
+    {
+        const QDateTime revision(QDate(2026, 11, 23), QTime(14, 5, 9), QTimeZone::utc());
+        matchesFile(contactToVCard(bookValues(u"25=Muster GmbH|26=Max Muster"_s),
+                                   {u"urn:uuid:0f3c2a4e-1b5d-5c6e-8f70-9a1b2c3d4e5f"_s,
+                                    revision.toTimeZone(QTimeZone(3600))}),
+                    "stamped");
+    }
+
+private:
+    // Compares with data/NAME.vcf; a difference is written beside it for review.
+    static void matchesFile(const QByteArray& card, const QString& name)
+    {
+        const QString expected = QStringLiteral(ZF_TEST_DATA "/") + name + ".vcf";
         QFile file(expected);
         const QByteArray wanted = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         QFile actual(expected + ".actual");
