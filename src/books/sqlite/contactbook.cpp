@@ -1,12 +1,15 @@
 #include "contactbook.h"
 
 #include "analysis/fieldrows.h"
+#include "analysis/fields.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <functional>
+#include <map>
 
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -44,6 +47,54 @@ CREATE TABLE state (
     value
 ) WITHOUT ROWID;
 )";
+
+// Schema version 2: each contact's normalised e-mail addresses, person name (with the company
+// it goes with) and mobile numbers, so that finding a duplicate reads a few index entries.
+const char* const KeysSql = R"(
+CREATE TABLE contact_keys (
+    kind INTEGER NOT NULL,
+    key TEXT NOT NULL,
+    contact_id INTEGER NOT NULL REFERENCES contacts(id) ON DELETE CASCADE,
+    company TEXT NOT NULL DEFAULT '',
+    PRIMARY KEY (kind, key, contact_id)
+) WITHOUT ROWID;
+CREATE INDEX contact_keys_contact ON contact_keys (contact_id);
+)";
+
+enum KeyKind { EMailKey = 0, PersonKey = 1, MobileKey = 2 };
+
+dup::FieldValues fieldValuesOf(const QList<BookValue>& values)
+{
+    dup::FieldValues out;
+    out.reserve(values.size());
+    for (const BookValue& v : values)
+        out.append({v.fieldId, v.value});
+    return out;
+}
+
+QString valueOf(const QList<BookValue>& values, FieldId field)
+{
+    for (const BookValue& v : values)
+        if (v.fieldId == idOf(field))
+            return v.value;
+    return {};
+}
+
+QString digitsOf(QStringView text)
+{
+    QString digits;
+    for (const QChar c : text)
+        if (c.isDigit())
+            digits.append(QChar(u'0' + c.digitValue()));
+    return digits;
+}
+
+bool isPhoneField(qint32 fieldId)
+{
+    return fieldId == idOf(FieldId::Telefon) || fieldId == idOf(FieldId::Telefon2) ||
+           fieldId == idOf(FieldId::Telefon3) || fieldId == idOf(FieldId::Mobil) ||
+           fieldId == idOf(FieldId::Fax);
+}
 
 } // namespace
 
@@ -185,6 +236,8 @@ ContactBook::ContactBook(const QString& path, Access access) : m_path(path)
         if (access == Access::Write) {
             checkIntegrity();
             useWal();
+            if (m_schema < SchemaVersion)
+                migrate();
         } else if (created) {
             useWal();
         }
@@ -268,7 +321,7 @@ bool ContactBook::checkFormat()
             if (schema < 1)
                 throw BookError(BookError::Damaged,
                                 u"the contact book '%1' has no schema version"_s.arg(m_path));
-            // Migrations of older schema versions go here.
+            m_schema = schema;
             return created;
         }
         if (id == 0 && schema == 0 && objects == 0 && !attempted) {
@@ -297,10 +350,139 @@ bool ContactBook::createSchema()
         Statement insert(*this, "INSERT INTO fields (id, label) VALUES (?, ?)");
         insert.bind(1, e.id).bind(2, e.name).run();
     }
+    exec(KeysSql);
     exec(QByteArray("PRAGMA application_id = " + QByteArray::number(ApplicationId)).constData());
     exec(QByteArray("PRAGMA user_version = " + QByteArray::number(SchemaVersion)).constData());
     transaction.commit();
     return true;
+}
+
+void ContactBook::migrate()
+{
+    Transaction transaction([this](const char* sql) { exec(sql); });
+    qint64 schema = 0;
+    {
+        // Another program may have migrated it while this one waited for the lock.
+        Statement version(*this, "PRAGMA user_version");
+        version.step();
+        schema = version.integer(0);
+    }
+    if (schema < 2) {
+        exec(KeysSql);
+        for (const qint64 id : contactIds())
+            indexContact(id);
+    }
+    exec(QByteArray("PRAGMA user_version = " + QByteArray::number(SchemaVersion)).constData());
+    transaction.commit();
+    m_schema = SchemaVersion;
+}
+
+void ContactBook::indexContact(qint64 contactId)
+{
+    const dup::Identity identity = dup::identityOf(fieldValuesOf(contactValues(contactId)));
+    Statement(*this, "DELETE FROM contact_keys WHERE contact_id = ?").bind(1, contactId).run();
+    const auto insert = [&](KeyKind kind, const QString& key, const QString& company) {
+        Statement(*this, "INSERT OR IGNORE INTO contact_keys (kind, key, contact_id, company) "
+                         "VALUES (?, ?, ?, ?)")
+            .bind(1, qint64(kind))
+            .bind(2, key)
+            .bind(3, contactId)
+            .bind(4, company)
+            .run();
+    };
+    for (const QString& email : identity.emails)
+        insert(EMailKey, email, {});
+    // A single word never makes a match, so it needs no key.
+    if (identity.person.contains(u' '))
+        insert(PersonKey, identity.person, identity.company);
+    for (const QString& mobile : identity.mobiles)
+        insert(MobileKey, mobile, {});
+}
+
+QList<dup::Match> ContactBook::findDuplicates(const dup::Identity& identity)
+{
+    // By id, the strongest reason first found: e-mail, then name, then mobile.
+    std::map<qint64, dup::Reason> found;
+    if (m_schema < 2) {
+        for (const qint64 id : contactIds()) {
+            const std::optional<dup::Reason> reason =
+                dup::sameContact(identity, dup::identityOf(fieldValuesOf(contactValues(id))));
+            if (reason)
+                found.emplace(id, *reason);
+        }
+    } else {
+        const auto lookUp = [&](KeyKind kind, const QString& key, dup::Reason reason) {
+            Statement query(*this, "SELECT contact_id, company FROM contact_keys "
+                                   "WHERE kind = ? AND key = ?");
+            query.bind(1, qint64(kind)).bind(2, key);
+            while (query.step()) {
+                const QString company = query.text(1);
+                if (kind == PersonKey && !identity.company.isEmpty() && !company.isEmpty() &&
+                    company != identity.company)
+                    continue;
+                found.emplace(query.integer(0), reason);
+            }
+        };
+        for (const QString& email : identity.emails)
+            lookUp(EMailKey, email, dup::Reason::EMail);
+        if (identity.person.contains(u' '))
+            lookUp(PersonKey, identity.person, dup::Reason::Name);
+        for (const QString& mobile : identity.mobiles)
+            lookUp(MobileKey, mobile, dup::Reason::Mobile);
+    }
+    QList<dup::Match> matches;
+    for (const auto& [id, reason] : found)
+        matches.append(matchOf(id, reason));
+    return matches;
+}
+
+QList<qint64> ContactBook::findText(const QString& text)
+{
+    const QString needle = text.simplified().toCaseFolded();
+    if (needle.isEmpty())
+        return {};
+    // A number is found whatever its spacing or prefix: by its digits, or its international
+    // form.
+    const QString digits = digitsOf(needle);
+    const bool number =
+        digits.size() >= 3 && std::all_of(needle.begin(), needle.end(), [](QChar c) {
+            return c.isDigit() || QStringView(u" +-/().").contains(c);
+        });
+    const QString international = number ? dup::normalisePhone(needle) : QString();
+    QList<qint64> ids;
+    Statement query(*this, "SELECT contact_id, field_id, value FROM contact_values "
+                           "WHERE field_id IN (?, ?, ?, ?, ?, ?, ?, ?, ?, ?) "
+                           "ORDER BY contact_id");
+    int index = 1;
+    for (const FieldId field :
+         {FieldId::Kontakt, FieldId::Vorname, FieldId::Nachname, FieldId::Firma, FieldId::EMail,
+          FieldId::Telefon, FieldId::Telefon2, FieldId::Telefon3, FieldId::Mobil, FieldId::Fax})
+        query.bind(index++, qint64(idOf(field)));
+    while (query.step()) {
+        const qint64 id = query.integer(0);
+        if (!ids.isEmpty() && ids.last() == id)
+            continue;
+        const QString value = query.text(2);
+        bool hit = value.toCaseFolded().simplified().contains(needle);
+        if (!hit && number && isPhoneField(qint32(query.integer(1))))
+            hit = digitsOf(value).contains(digits) ||
+                  dup::normalisePhone(value).contains(international);
+        if (hit)
+            ids.append(id);
+    }
+    return ids;
+}
+
+dup::Match ContactBook::matchOf(qint64 contactId, dup::Reason reason)
+{
+    const QList<BookValue> values = contactValues(contactId);
+    QString name = valueOf(values, FieldId::Kontakt);
+    if (name.isEmpty())
+        name = QStringList{valueOf(values, FieldId::Vorname), valueOf(values, FieldId::Nachname)}
+                   .join(u' ')
+                   .trimmed();
+    return dup::Match{QString::number(contactId), name, valueOf(values, FieldId::Firma),
+                      valueOf(values, FieldId::EMail), reason};
 }
 
 void ContactBook::checkIntegrity()
@@ -359,6 +541,8 @@ qint64 ContactBook::writeContact(std::optional<qint64> contactId, const QList<Fi
     }
     for (const FieldValue& v : values)
         storeValue(id, v.fieldId, v.value);
+    if (!values.isEmpty() && m_schema >= 2) // else keyed when the book is migrated
+        indexContact(id);
     if (contactId && !values.isEmpty())
         touch(id);
     Statement(*this, "INSERT OR REPLACE INTO state (key, value) VALUES ('current_contact', ?)")
@@ -374,6 +558,8 @@ void ContactBook::setField(qint64 contactId, qint32 fieldId, const QString& valu
     if (!hasContact(contactId))
         throw BookError(BookError::NotFound, u"there is no contact %1"_s.arg(contactId));
     storeValue(contactId, fieldId, value);
+    if (m_schema >= 2)
+        indexContact(contactId);
     touch(contactId);
     transaction.commit();
 }
