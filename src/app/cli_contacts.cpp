@@ -5,12 +5,14 @@
 
 #include "act/contactlink.h"
 #include "analysis/fields.h"
+#include "analysis/textutil.h"
 #include "books/books.h"
 #include "books/davbook.h"
 #include "books/sqlite/contactbook.h"
 #include "books/sqlite/sqlitebook.h"
 #include "books/sqlite/vcard.h"
 #include "credentials/terminal.h"
+#include "duplicates/lookup.h"
 #include "settings/settings.h"
 
 #include <QFileInfo>
@@ -98,6 +100,27 @@ QJsonArray fieldsToJson(const QList<BookValue>& values)
     return fields;
 }
 
+QJsonObject matchToJson(const dup::Match& match, bool withReason)
+{
+    QJsonObject out{
+        {u"id"_s, match.id},
+        {u"name"_s, match.name},
+        {u"company"_s, match.company},
+        {u"email"_s, match.email},
+    };
+    if (withReason)
+        out.insert(u"reason"_s, dup::reasonName(match.reason));
+    return out;
+}
+
+QJsonArray matchesToJson(const QList<dup::Match>& matches, bool withReason)
+{
+    QJsonArray out;
+    for (const dup::Match& m : matches)
+        out.append(matchToJson(m, withReason));
+    return out;
+}
+
 QJsonObject contactToJson(ContactBook& book, qint64 id)
 {
     return QJsonObject{
@@ -140,6 +163,11 @@ int contactsCommand(const QString& command, const QStringList& args, const QStri
     } else if (command == u"fields"_s) {
         for (const BookField& f : book.fields())
             print(u"%1\t%2"_s.arg(f.id).arg(oneLine(f.label)));
+    } else if (command == u"find"_s) {
+        QList<dup::Match> matches;
+        for (const qint64 id : book.findText(args[0]))
+            matches.append(book.matchOf(id));
+        printJson(QJsonObject{{u"matches"_s, matchesToJson(matches, false)}});
     } else if (command == u"add-field"_s) {
         book.addField(qint32(args[0].toInt()), args.value(1));
     } else if (command == u"books"_s) {
@@ -223,6 +251,9 @@ int davContactsCommand(const QString& command, const QStringList& args, DavBook&
                                   oneLine(info.name)));
         return 0;
     }
+    if (command == u"find"_s)
+        return failure(u"contacts find works on a contact book file, not yet on a CardDAV "
+                       u"address book"_s);
     if (command == u"add-field"_s)
         return failure(u"a CardDAV address book has no field list of its own: a user field "
                        u"comes with the first contact filed with it"_s);
@@ -307,7 +338,23 @@ int davTransfer(bool create, const books::BookLocation& location, const AnalyseO
     return failure(reason);
 }
 
-int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& options)
+// The person the transfer would file, from the rows as it writes them (a later row of the
+// same field wins).
+dup::Identity identityOfRows(const FieldRows& rows)
+{
+    dup::FieldValues values;
+    for (int row = 0; row < FieldRows::RowCount; ++row) {
+        const std::optional<qint32> id = rows.fieldId(row);
+        if (!id)
+            continue;
+        values.removeIf([&](const auto& v) { return v.first == *id; });
+        values.append({*id, rows.value(row)});
+    }
+    return dup::identityOf(values);
+}
+
+int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& options,
+                   OnDuplicate onDuplicate)
 {
     try {
         ContactBook check(path); // a clear reason before the transfer's own short message
@@ -317,6 +364,39 @@ int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& optio
     AnalyseRun run;
     if (const QString e = analyseInput(options, run); !e.isEmpty())
         return usageError(e);
+
+    // Looked up before anything is written: a refused duplicate leaves the book as it was.
+    QList<dup::Match> duplicates;
+    const dup::Identity identity = identityOfRows(run.session.rows);
+    if (create && onDuplicate != OnDuplicate::Allow && !identity.isEmpty() &&
+        !Trim(run.session.clipText).isEmpty()) {
+        try {
+            ContactBook book(path);
+            duplicates = BookDuplicateLookup(book).find(identity);
+            if (onDuplicate == OnDuplicate::Update && duplicates.size() == 1) {
+                // Filed as "Bearbeiten" files into the current contact.
+                book.setCurrentContact(*parseContactId(duplicates.first().id));
+                create = false;
+            }
+        } catch (const BookError& e) {
+            return failure(e.message());
+        }
+        if (create && !duplicates.isEmpty()) {
+            printJson(QJsonObject{
+                {u"mode"_s, u"new"_s},
+                {u"transferred"_s, false},
+                {u"duplicates"_s, matchesToJson(duplicates, true)},
+            });
+            const QString why =
+                onDuplicate == OnDuplicate::Update
+                    ? u"the contact book has %1 contacts like this one; --update-duplicate "
+                      u"needs exactly one"_s.arg(duplicates.size())
+                    : u"the contact book already has this contact; --allow-duplicate files it "
+                      u"anyway, --update-duplicate into it"_s;
+            std::fprintf(stderr, "zettelfischer-cli: %s\n", why.toUtf8().constData());
+            return ExitDuplicate;
+        }
+    }
 
     // The contact this transfer wrote: the book's current contact may already be another
     // program's by the time the answer is printed.
@@ -338,6 +418,10 @@ int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& optio
         {u"messages"_s, messages},
         {u"analysis"_s, analysisToJson(run, false)},
     };
+    if (!duplicates.isEmpty()) {
+        out.insert(u"mode"_s, u"new"_s);
+        out.insert(u"updatedDuplicate"_s, matchToJson(duplicates.first(), true));
+    }
     try {
         if (prompted) {
             ContactBook book(path, ContactBook::Access::Read);
@@ -362,12 +446,17 @@ int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& optio
 
 namespace {
 
-books::BookLocation contactsLocation(const QString& file, const QString& iniFile = {})
+SharedState loadedSettings(const QString& iniFile = {})
 {
     SharedState state;
     FieldRows rows;
     LoadSettings(iniFile.isEmpty() ? settingsFilePath() : iniFile, state, rows);
-    return books::bookLocation(file, state);
+    return state;
+}
+
+books::BookLocation contactsLocation(const QString& file)
+{
+    return books::bookLocation(file, loadedSettings());
 }
 
 } // namespace
@@ -393,10 +482,14 @@ int runContacts(const QString& command, const QStringList& args, const QString& 
     }
 }
 
-int runTransfer(bool create, const QString& file, const AnalyseOptions& options)
+int runTransfer(bool create, const QString& file, const AnalyseOptions& options,
+                OnDuplicate onDuplicate)
 {
-    const books::BookLocation location = contactsLocation(file, options.iniFile);
+    const SharedState settings = loadedSettings(options.iniFile);
+    const books::BookLocation location = books::bookLocation(file, settings);
     if (books::isServerLocation(location.location))
         return davTransfer(create, location, options);
-    return sqliteTransfer(create, location.location, options);
+    if (!settings.KontakteDublettenpruefung && onDuplicate == OnDuplicate::Refuse)
+        onDuplicate = OnDuplicate::Allow;
+    return sqliteTransfer(create, location.location, options, onDuplicate);
 }
