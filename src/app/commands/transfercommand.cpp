@@ -21,8 +21,9 @@ TransferCommand::TransferCommand()
     setDescription(
         u"Analyses the input like analyse and files the rows as a new contact (--new) or\n"
         u"into the current contact (--edit); prints what it did as JSON."_s);
-    addOptions({m_new, m_edit, m_allowDuplicate, m_updateDuplicate, m_contacts});
+    addOptions({m_new, m_edit, m_contacts});
     addOptions(m_options.options(false));
+    addOptions({m_allowDuplicate, m_updateDuplicate});
 }
 
 QString TransferCommand::synopsis() const
