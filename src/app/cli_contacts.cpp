@@ -21,6 +21,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <limits>
 #include <optional>
 
@@ -289,7 +290,57 @@ int davContactsCommand(const QString& command, const QStringList& args, DavBook&
     return 0;
 }
 
-int davTransfer(bool create, const books::BookLocation& location, const AnalyseOptions& options)
+// The person the transfer would file, from the rows as it writes them (a later row of the
+// same field wins).
+dup::Identity identityOfRows(const FieldRows& rows)
+{
+    dup::FieldValues values;
+    for (int row = 0; row < FieldRows::RowCount; ++row) {
+        const std::optional<qint32> id = rows.fieldId(row);
+        if (!id)
+            continue;
+        values.removeIf([&](const auto& v) { return v.first == *id; });
+        values.append({*id, rows.value(row)});
+    }
+    return dup::identityOf(values);
+}
+
+// Looks the new contact up before anything is written, so that a refused duplicate leaves the
+// book as it was. Returns the exit status when the transfer ends here. With
+// --update-duplicate and one match, that contact becomes the current one and the transfer an
+// edit.
+std::optional<int> checkDuplicates(bool& create, const AnalyseRun& run, OnDuplicate onDuplicate,
+                                   dup::DuplicateLookup& lookup, QList<dup::Match>& duplicates,
+                                   const std::function<void(const QString&)>& makeCurrent)
+{
+    const dup::Identity identity = identityOfRows(run.session.rows);
+    if (!create || onDuplicate == OnDuplicate::Allow || identity.isEmpty() ||
+        Trim(run.session.clipText).isEmpty())
+        return std::nullopt;
+    duplicates = lookup.find(identity);
+    if (duplicates.isEmpty())
+        return std::nullopt;
+    if (onDuplicate == OnDuplicate::Update && duplicates.size() == 1) {
+        makeCurrent(duplicates.first().id); // as "Bearbeiten" files into the current contact
+        create = false;
+        return std::nullopt;
+    }
+    printJson(QJsonObject{
+        {u"mode"_s, u"new"_s},
+        {u"transferred"_s, false},
+        {u"duplicates"_s, matchesToJson(duplicates, true)},
+    });
+    const QString why = onDuplicate == OnDuplicate::Update
+                            ? u"the contact book has %1 contacts like this one; "
+                              u"--update-duplicate needs exactly one"_s.arg(duplicates.size())
+                            : u"the contact book already has this contact; --allow-duplicate "
+                              u"files it anyway, --update-duplicate into it"_s;
+    std::fprintf(stderr, "zettelfischer-cli: %s\n", why.toUtf8().constData());
+    return ExitDuplicate;
+}
+
+int davTransfer(bool create, const books::BookLocation& location, const AnalyseOptions& options,
+                OnDuplicate onDuplicate)
 {
     const std::shared_ptr<DavBook> dav = davBook(location);
     try {
@@ -300,6 +351,18 @@ int davTransfer(bool create, const books::BookLocation& location, const AnalyseO
     AnalyseRun run;
     if (const QString e = analyseInput(options, run); !e.isEmpty())
         return usageError(e);
+    QList<dup::Match> duplicates;
+    try {
+        books::DavDuplicateLookup lookup(*dav);
+        if (const std::optional<int> stop =
+                checkDuplicates(create, run, onDuplicate, lookup, duplicates,
+                                [&dav](const QString& id) { dav->setCurrentContact(id); }))
+            return *stop;
+    } catch (const DavError& e) {
+        return failure(e.message());
+    } catch (const ActError& e) {
+        return failure(e.message());
+    }
 
     std::optional<QString> written;
     dav->setWritten([&written](const QString& id) { written = id; });
@@ -320,6 +383,10 @@ int davTransfer(bool create, const books::BookLocation& location, const AnalyseO
         {u"messages"_s, messages},
         {u"analysis"_s, analysisToJson(run, false)},
     };
+    if (!duplicates.isEmpty()) {
+        out.insert(u"mode"_s, u"new"_s);
+        out.insert(u"updatedDuplicate"_s, matchToJson(duplicates.first(), true));
+    }
     try {
         if (prompted)
             out.insert(
@@ -338,21 +405,6 @@ int davTransfer(bool create, const books::BookLocation& location, const AnalyseO
     return failure(reason);
 }
 
-// The person the transfer would file, from the rows as it writes them (a later row of the
-// same field wins).
-dup::Identity identityOfRows(const FieldRows& rows)
-{
-    dup::FieldValues values;
-    for (int row = 0; row < FieldRows::RowCount; ++row) {
-        const std::optional<qint32> id = rows.fieldId(row);
-        if (!id)
-            continue;
-        values.removeIf([&](const auto& v) { return v.first == *id; });
-        values.append({*id, rows.value(row)});
-    }
-    return dup::identityOf(values);
-}
-
 int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& options,
                    OnDuplicate onDuplicate)
 {
@@ -365,37 +417,16 @@ int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& optio
     if (const QString e = analyseInput(options, run); !e.isEmpty())
         return usageError(e);
 
-    // Looked up before anything is written: a refused duplicate leaves the book as it was.
     QList<dup::Match> duplicates;
-    const dup::Identity identity = identityOfRows(run.session.rows);
-    if (create && onDuplicate != OnDuplicate::Allow && !identity.isEmpty() &&
-        !Trim(run.session.clipText).isEmpty()) {
-        try {
-            ContactBook book(path);
-            duplicates = BookDuplicateLookup(book).find(identity);
-            if (onDuplicate == OnDuplicate::Update && duplicates.size() == 1) {
-                // Filed as "Bearbeiten" files into the current contact.
-                book.setCurrentContact(*parseContactId(duplicates.first().id));
-                create = false;
-            }
-        } catch (const BookError& e) {
-            return failure(e.message());
-        }
-        if (create && !duplicates.isEmpty()) {
-            printJson(QJsonObject{
-                {u"mode"_s, u"new"_s},
-                {u"transferred"_s, false},
-                {u"duplicates"_s, matchesToJson(duplicates, true)},
-            });
-            const QString why =
-                onDuplicate == OnDuplicate::Update
-                    ? u"the contact book has %1 contacts like this one; --update-duplicate "
-                      u"needs exactly one"_s.arg(duplicates.size())
-                    : u"the contact book already has this contact; --allow-duplicate files it "
-                      u"anyway, --update-duplicate into it"_s;
-            std::fprintf(stderr, "zettelfischer-cli: %s\n", why.toUtf8().constData());
-            return ExitDuplicate;
-        }
+    try {
+        ContactBook book(path);
+        BookDuplicateLookup lookup(book);
+        if (const std::optional<int> stop = checkDuplicates(
+                create, run, onDuplicate, lookup, duplicates,
+                [&book](const QString& id) { book.setCurrentContact(*parseContactId(id)); }))
+            return *stop;
+    } catch (const BookError& e) {
+        return failure(e.message());
     }
 
     // The contact this transfer wrote: the book's current contact may already be another
@@ -487,9 +518,9 @@ int runTransfer(bool create, const QString& file, const AnalyseOptions& options,
 {
     const SharedState settings = loadedSettings(options.iniFile);
     const books::BookLocation location = books::bookLocation(file, settings);
-    if (books::isServerLocation(location.location))
-        return davTransfer(create, location, options);
     if (!settings.KontakteDublettenpruefung && onDuplicate == OnDuplicate::Refuse)
         onDuplicate = OnDuplicate::Allow;
+    if (books::isServerLocation(location.location))
+        return davTransfer(create, location, options, onDuplicate);
     return sqliteTransfer(create, location.location, options, onDuplicate);
 }

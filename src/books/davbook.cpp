@@ -10,6 +10,7 @@
 #include <QJsonObject>
 #include <QMap>
 
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 #include <utility>
@@ -404,6 +405,41 @@ private:
 std::shared_ptr<act::ObjectFactory> makeDavBookFactory(std::shared_ptr<DavBook> book)
 {
     return std::make_shared<DavFactory>(std::move(book));
+}
+
+QList<dup::Match> DavDuplicateLookup::find(const dup::Identity& identity)
+{
+    carddav::AddressBook& book = m_book.book();
+    QList<QUrl> urls;
+    for (const carddav::CardRef& ref : book.list())
+        urls.append(ref.url);
+    QList<dup::Match> matches;
+    for (const carddav::Card& card : book.multiget(urls)) {
+        const QList<act::BookValue> values = cardValues(card.data);
+        dup::FieldValues fields;
+        for (const act::BookValue& v : values)
+            fields.append({v.fieldId, v.value});
+        const std::optional<dup::Reason> reason =
+            dup::sameContact(identity, dup::identityOf(fields));
+        if (!reason)
+            continue;
+        const auto valueOf = [&values](FieldId field) {
+            for (const act::BookValue& v : values)
+                if (v.fieldId == idOf(field))
+                    return v.value;
+            return QString();
+        };
+        QString name = valueOf(FieldId::Kontakt);
+        if (name.isEmpty())
+            name = QStringList{valueOf(FieldId::Vorname), valueOf(FieldId::Nachname)}
+                       .join(u' ')
+                       .trimmed();
+        matches.append(dup::Match{contactIdOf(card.url), name, valueOf(FieldId::Firma),
+                                  valueOf(FieldId::EMail), *reason});
+    }
+    std::sort(matches.begin(), matches.end(),
+              [](const dup::Match& a, const dup::Match& b) { return a.id < b.id; });
+    return matches;
 }
 
 } // namespace zf::books
