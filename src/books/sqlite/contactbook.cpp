@@ -449,6 +449,10 @@ QList<qint64> ContactBook::findText(const QString& text)
             return c.isDigit() || QStringView(u" +-/().").contains(c);
         });
     const QString international = number ? dup::normalisePhone(needle) : QString();
+    // Past "+" and a calling code of at most three digits, the international form holds only
+    // digits a matching number has itself: a cheap test before normalising each number.
+    const QString beyondCode =
+        international.startsWith(u'+') ? international.mid(4).right(4) : QString();
     QList<qint64> ids;
     Statement query(*this, "SELECT contact_id, field_id, value FROM contact_values "
                            "WHERE field_id IN (?, ?, ?, ?, ?, ?, ?, ?, ?, ?) "
@@ -464,9 +468,12 @@ QList<qint64> ContactBook::findText(const QString& text)
             continue;
         const QString value = query.text(2);
         bool hit = value.toCaseFolded().simplified().contains(needle);
-        if (!hit && number && isPhoneField(qint32(query.integer(1))))
-            hit = digitsOf(value).contains(digits) ||
-                  dup::normalisePhone(value).contains(international);
+        if (!hit && number && isPhoneField(qint32(query.integer(1)))) {
+            const QString valueDigits = digitsOf(value);
+            hit = valueDigits.contains(digits) ||
+                  (valueDigits.contains(beyondCode) &&
+                   dup::normalisePhone(value).contains(international));
+        }
         if (hit)
             ids.append(id);
     }
