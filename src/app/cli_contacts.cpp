@@ -13,6 +13,7 @@
 #include "books/sqlite/vcard.h"
 #include "credentials/terminal.h"
 #include "duplicates/lookup.h"
+#include "duplicates/textsearch.h"
 #include "settings/settings.h"
 
 #include <QFileInfo>
@@ -252,9 +253,6 @@ int davContactsCommand(const QString& command, const QStringList& args, DavBook&
                                   oneLine(info.name)));
         return 0;
     }
-    if (command == u"find"_s)
-        return failure(u"contacts find works on a contact book file, not yet on a CardDAV "
-                       u"address book"_s);
     if (command == u"add-field"_s)
         return failure(u"a CardDAV address book has no field list of its own: a user field "
                        u"comes with the first contact filed with it"_s);
@@ -273,6 +271,18 @@ int davContactsCommand(const QString& command, const QStringList& args, DavBook&
         if (!args.isEmpty())
             dav.setCurrentContact(id);
         print(listLine(id, books::cardValues(card.data), true));
+    } else if (command == u"find"_s) {
+        const dup::TextSearch search(args[0]);
+        QList<dup::Match> matches;
+        for (const carddav::Card& card : allCards(book)) {
+            dup::FieldValues values;
+            for (const BookValue& v : books::cardValues(card.data))
+                values.append({v.fieldId, v.value});
+            if (std::any_of(values.begin(), values.end(),
+                            [&search](const auto& v) { return search.matches(v.first, v.second); }))
+                matches.append(dup::matchOf(books::contactIdOf(card.url), values));
+        }
+        printJson(QJsonObject{{u"matches"_s, matchesToJson(matches, false)}});
     } else if (command == u"fields"_s) {
         for (const carddav::BookField& f : book.fields())
             print(u"%1\t%2"_s.arg(f.id).arg(oneLine(f.label)));

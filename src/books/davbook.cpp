@@ -415,27 +415,14 @@ QList<dup::Match> DavDuplicateLookup::find(const dup::Identity& identity)
         urls.append(ref.url);
     QList<dup::Match> matches;
     for (const carddav::Card& card : book.multiget(urls)) {
-        const QList<act::BookValue> values = cardValues(card.data);
         dup::FieldValues fields;
-        for (const act::BookValue& v : values)
+        for (const act::BookValue& v : cardValues(card.data))
             fields.append({v.fieldId, v.value});
         const std::optional<dup::Reason> reason =
             dup::sameContact(identity, dup::identityOf(fields));
         if (!reason)
             continue;
-        const auto valueOf = [&values](FieldId field) {
-            for (const act::BookValue& v : values)
-                if (v.fieldId == idOf(field))
-                    return v.value;
-            return QString();
-        };
-        QString name = valueOf(FieldId::Kontakt);
-        if (name.isEmpty())
-            name = QStringList{valueOf(FieldId::Vorname), valueOf(FieldId::Nachname)}
-                       .join(u' ')
-                       .trimmed();
-        matches.append(dup::Match{contactIdOf(card.url), name, valueOf(FieldId::Firma),
-                                  valueOf(FieldId::EMail), *reason});
+        matches.append(dup::matchOf(contactIdOf(card.url), fields, *reason));
     }
     std::sort(matches.begin(), matches.end(),
               [](const dup::Match& a, const dup::Match& b) { return a.id < b.id; });

@@ -1,8 +1,25 @@
 #include "lookup.h"
 
+#include "analysis/fields.h"
+
 using namespace Qt::StringLiterals;
 
 namespace zf::dup {
+
+Match matchOf(const QString& id, const FieldValues& values, Reason reason)
+{
+    const auto valueOf = [&values](FieldId field) {
+        for (const auto& [fieldId, value] : values)
+            if (fieldId == idOf(field))
+                return value;
+        return QString();
+    };
+    QString name = valueOf(FieldId::Kontakt);
+    if (name.isEmpty())
+        name =
+            QStringList{valueOf(FieldId::Vorname), valueOf(FieldId::Nachname)}.join(u' ').trimmed();
+    return Match{id, name, valueOf(FieldId::Firma), valueOf(FieldId::EMail), reason};
+}
 
 QString reasonName(Reason reason)
 {

@@ -19,6 +19,10 @@ struct Match {
     friend bool operator==(const Match&, const Match&) = default;
 };
 
+// The match for a contact of that id and those values: its name (Kontakt, else Vorname and
+// Nachname), company and e-mail.
+Match matchOf(const QString& id, const FieldValues& values, Reason reason = Reason::EMail);
+
 // "email", "name", "mobile": how scripts read a reason.
 QString reasonName(Reason reason);
 

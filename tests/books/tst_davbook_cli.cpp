@@ -326,6 +326,11 @@ private slots:
         QCOMPARE(duplicates[0].toObject().value("id").toString(), id);
         QCOMPARE(duplicates[0].toObject().value("reason").toString(), "email");
         QCOMPARE(cards(), 2);
+        const Run found = runCli({"contacts", "find", "0170 222", "--contacts", book}, env());
+        QCOMPARE(found.exitCode, 0);
+        const QJsonArray matches = found.json().value("matches").toArray();
+        QCOMPARE(matches.size(), 1);
+        QCOMPARE(matches[0].toObject().value("id").toString(), id);
         // The mobile number alone, written another way.
         QCOMPARE(create("Lena V.\nMobil: 0170/222 33 34\n").exitCode, 3);
 

@@ -2,6 +2,7 @@
 
 #include "analysis/fieldrows.h"
 #include "analysis/fields.h"
+#include "duplicates/textsearch.h"
 
 #include <QDir>
 #include <QFile>
@@ -70,30 +71,6 @@ dup::FieldValues fieldValuesOf(const QList<BookValue>& values)
     for (const BookValue& v : values)
         out.append({v.fieldId, v.value});
     return out;
-}
-
-QString valueOf(const QList<BookValue>& values, FieldId field)
-{
-    for (const BookValue& v : values)
-        if (v.fieldId == idOf(field))
-            return v.value;
-    return {};
-}
-
-QString digitsOf(QStringView text)
-{
-    QString digits;
-    for (const QChar c : text)
-        if (c.isDigit())
-            digits.append(QChar(u'0' + c.digitValue()));
-    return digits;
-}
-
-bool isPhoneField(qint32 fieldId)
-{
-    return fieldId == idOf(FieldId::Telefon) || fieldId == idOf(FieldId::Telefon2) ||
-           fieldId == idOf(FieldId::Telefon3) || fieldId == idOf(FieldId::Mobil) ||
-           fieldId == idOf(FieldId::Fax);
 }
 
 } // namespace
@@ -438,43 +415,21 @@ QList<dup::Match> ContactBook::findDuplicates(const dup::Identity& identity)
 
 QList<qint64> ContactBook::findText(const QString& text)
 {
-    const QString needle = text.simplified().toCaseFolded();
-    if (needle.isEmpty())
+    const dup::TextSearch search(text);
+    if (search.isEmpty())
         return {};
-    // A number is found whatever its spacing or prefix: by its digits, or its international
-    // form.
-    const QString digits = digitsOf(needle);
-    const bool number =
-        digits.size() >= 3 && std::all_of(needle.begin(), needle.end(), [](QChar c) {
-            return c.isDigit() || QStringView(u" +-/().").contains(c);
-        });
-    const QString international = number ? dup::normalisePhone(needle) : QString();
-    // Past "+" and a calling code of at most three digits, the international form holds only
-    // digits a matching number has itself: a cheap test before normalising each number.
-    const QString beyondCode =
-        international.startsWith(u'+') ? international.mid(4).right(4) : QString();
     QList<qint64> ids;
     Statement query(*this, "SELECT contact_id, field_id, value FROM contact_values "
-                           "WHERE field_id IN (?, ?, ?, ?, ?, ?, ?, ?, ?, ?) "
+                           "WHERE field_id IN (SELECT value FROM json_each(?)) "
                            "ORDER BY contact_id");
-    int index = 1;
-    for (const FieldId field :
-         {FieldId::Kontakt, FieldId::Vorname, FieldId::Nachname, FieldId::Firma, FieldId::EMail,
-          FieldId::Telefon, FieldId::Telefon2, FieldId::Telefon3, FieldId::Mobil, FieldId::Fax})
-        query.bind(index++, qint64(idOf(field)));
+    QStringList fields;
+    for (const qint32 id : dup::TextSearch::fields())
+        fields.append(QString::number(id));
+    query.bind(1, u'[' + fields.join(u',') + u']');
     while (query.step()) {
         const qint64 id = query.integer(0);
-        if (!ids.isEmpty() && ids.last() == id)
-            continue;
-        const QString value = query.text(2);
-        bool hit = value.toCaseFolded().simplified().contains(needle);
-        if (!hit && number && isPhoneField(qint32(query.integer(1)))) {
-            const QString valueDigits = digitsOf(value);
-            hit = valueDigits.contains(digits) ||
-                  (valueDigits.contains(beyondCode) &&
-                   dup::normalisePhone(value).contains(international));
-        }
-        if (hit)
+        if ((ids.isEmpty() || ids.last() != id) &&
+            search.matches(qint32(query.integer(1)), query.text(2)))
             ids.append(id);
     }
     return ids;
@@ -482,14 +437,8 @@ QList<qint64> ContactBook::findText(const QString& text)
 
 dup::Match ContactBook::matchOf(qint64 contactId, dup::Reason reason)
 {
-    const QList<BookValue> values = contactValues(contactId);
-    QString name = valueOf(values, FieldId::Kontakt);
-    if (name.isEmpty())
-        name = QStringList{valueOf(values, FieldId::Vorname), valueOf(values, FieldId::Nachname)}
-                   .join(u' ')
-                   .trimmed();
-    return dup::Match{QString::number(contactId), name, valueOf(values, FieldId::Firma),
-                      valueOf(values, FieldId::EMail), reason};
+    return dup::matchOf(QString::number(contactId), fieldValuesOf(contactValues(contactId)),
+                        reason);
 }
 
 void ContactBook::checkIntegrity()
