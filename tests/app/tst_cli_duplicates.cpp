@@ -127,23 +127,28 @@ private slots:
 
     void mobileFormats_data()
     {
-        QTest::addColumn<QByteArray>("mobile");
+        QTest::addColumn<QByteArray>("first");
+        QTest::addColumn<QByteArray>("second");
         QTest::addColumn<int>("exitCode");
-        QTest::newRow("national, slashed") << QByteArray("0664 / 123 45 67") << 3;
-        QTest::newRow("0043") << QByteArray("0043 664 1234567") << 3;
-        QTest::newRow("(0) after the code") << QByteArray("+43 (0) 664-123 45 67") << 3;
-        QTest::newRow("another number") << QByteArray("0664 1234568") << 0;
+        const QByteArray linz = "Ringstr. 1\n4020 Linz\n";
+        const QByteArray berlin = "Ringstr. 1\n10115 Berlin\n";
+        const QByteArray austrian = linz + "Mobil: +43 664 1234567\n";
+        QTest::newRow("national, slashed") << austrian << linz + "Mobil: 0664 / 123 45 67\n" << 3;
+        QTest::newRow("0043") << austrian << linz + "Mobil: 0043 664 1234567\n" << 3;
+        QTest::newRow("(0) after the code") << austrian << linz + "Mobil: +43 (0) 664-123 45 67\n"
+                                            << 3;
+        QTest::newRow("another number") << austrian << linz + "Mobil: 0664 1234568\n" << 0;
+        QTest::newRow("home calling code") << berlin + "Mobil: +49 170 2223334\n"
+                                           << berlin + "Mobil: 0170-222 33 34\n"
+                                           << 3;
     }
     void mobileFormats()
     {
-        QFETCH(QByteArray, mobile);
+        QFETCH(QByteArray, first);
+        QFETCH(QByteArray, second);
         QFETCH(int, exitCode);
-        QCOMPARE(create("Huber KG\nKarl Huber\nRingstr. 1\n4020 Linz\n"
-                        "Mobil: +43 664 1234567\nkarl@huber.at\n")
-                     .exitCode,
-                 0);
-        const CliRun r = create("Gruber OG\nAnton Gruber\nRingstr. 2\n4020 Linz\nMobil: " + mobile +
-                                "\nanton@gruber.at\n");
+        QCOMPARE(create("Huber KG\nKarl Huber\n" + first + "karl@huber.at\n").exitCode, 0);
+        const CliRun r = create("Gruber OG\nAnton Gruber\n" + second + "anton@gruber.at\n");
         QCOMPARE(r.exitCode, exitCode);
         if (exitCode == 3)
             QCOMPARE(duplicatesOf(r), QStringList{"1:mobile"});
