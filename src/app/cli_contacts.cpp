@@ -429,12 +429,14 @@ int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& optio
 
     QList<dup::Match> duplicates;
     try {
-        ContactBook book(path);
-        BookDuplicateLookup lookup(book);
-        if (const std::optional<int> stop = checkDuplicates(
-                create, run, onDuplicate, lookup, duplicates,
-                [&book](const QString& id) { book.setCurrentContact(*parseContactId(id)); }))
-            return *stop;
+        if (create && onDuplicate != OnDuplicate::Allow) { // else no need to open it again
+            ContactBook book(path);
+            BookDuplicateLookup lookup(book);
+            if (const std::optional<int> stop = checkDuplicates(
+                    create, run, onDuplicate, lookup, duplicates,
+                    [&book](const QString& id) { book.setCurrentContact(*parseContactId(id)); }))
+                return *stop;
+        }
     } catch (const BookError& e) {
         return failure(e.message());
     }
