@@ -63,6 +63,11 @@ CREATE INDEX contact_keys_contact ON contact_keys (contact_id);
 
 enum KeyKind { EMailKey = 0, PersonKey = 1, MobileKey = 2 };
 
+// The rules of dup::identityOf the keys were made by, kept in the state table: a book keyed by
+// other rules is keyed again when it is opened for writing, and searched contact by contact
+// until then.
+constexpr qint64 KeyRules = 1;
+
 dup::FieldValues fieldValuesOf(const QList<BookValue>& values)
 {
     dup::FieldValues out;
@@ -209,10 +214,11 @@ ContactBook::ContactBook(const QString& path, Access access) : m_path(path)
             throw BookError(BookError::ReadOnly, u"the contact book '%1' is read-only"_s.arg(path));
         // Recognised first: nothing is changed in a file that is not ours.
         const bool created = checkFormat();
+        m_keyed = m_schema >= 2 && keyRules() == KeyRules;
         if (access == Access::Write) {
             checkIntegrity();
             useWal();
-            if (m_schema < SchemaVersion)
+            if (!m_keyed)
                 migrate();
         } else if (created) {
             useWal();
@@ -327,6 +333,9 @@ bool ContactBook::createSchema()
         insert.bind(1, e.id).bind(2, e.name).run();
     }
     exec(KeysSql);
+    Statement(*this, "INSERT INTO state (key, value) VALUES ('duplicate_keys', ?)")
+        .bind(1, KeyRules)
+        .run();
     exec(QByteArray("PRAGMA application_id = " + QByteArray::number(ApplicationId)).constData());
     exec(QByteArray("PRAGMA user_version = " + QByteArray::number(SchemaVersion)).constData());
     transaction.commit();
@@ -343,14 +352,26 @@ void ContactBook::migrate()
         version.step();
         schema = version.integer(0);
     }
-    if (schema < 2) {
+    if (schema < 2)
         exec(KeysSql);
+    if (schema < 2 || keyRules() != KeyRules) {
+        exec("DELETE FROM contact_keys");
         for (const qint64 id : contactIds())
             indexContact(id);
+        Statement(*this, "INSERT OR REPLACE INTO state (key, value) VALUES ('duplicate_keys', ?)")
+            .bind(1, KeyRules)
+            .run();
     }
     exec(QByteArray("PRAGMA user_version = " + QByteArray::number(SchemaVersion)).constData());
     transaction.commit();
     m_schema = SchemaVersion;
+    m_keyed = true;
+}
+
+qint64 ContactBook::keyRules()
+{
+    Statement query(*this, "SELECT value FROM state WHERE key = 'duplicate_keys'");
+    return query.step() ? query.integer(0) : 0;
 }
 
 void ContactBook::indexContact(qint64 contactId)
@@ -379,7 +400,7 @@ QList<dup::Match> ContactBook::findDuplicates(const dup::Identity& identity)
 {
     // By id, the strongest reason first found: e-mail, then name, then mobile.
     std::map<qint64, dup::Reason> found;
-    if (m_schema < 2) {
+    if (!m_keyed) {
         for (const qint64 id : contactIds()) {
             const std::optional<dup::Reason> reason =
                 dup::sameContact(identity, dup::identityOf(fieldValuesOf(contactValues(id))));
@@ -496,7 +517,7 @@ qint64 ContactBook::writeContact(std::optional<qint64> contactId, const QList<Fi
     }
     for (const FieldValue& v : values)
         storeValue(id, v.fieldId, v.value);
-    if (!values.isEmpty() && m_schema >= 2) // else keyed when the book is migrated
+    if (!values.isEmpty() && m_keyed) // else keyed when the book is migrated
         indexContact(id);
     if (contactId && !values.isEmpty())
         touch(id);
@@ -513,7 +534,7 @@ void ContactBook::setField(qint64 contactId, qint32 fieldId, const QString& valu
     if (!hasContact(contactId))
         throw BookError(BookError::NotFound, u"there is no contact %1"_s.arg(contactId));
     storeValue(contactId, fieldId, value);
-    if (m_schema >= 2)
+    if (m_keyed)
         indexContact(contactId);
     touch(contactId);
     transaction.commit();

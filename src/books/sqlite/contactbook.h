@@ -62,7 +62,8 @@ public:
     // Reading never changes an existing book, not even its journal mode.
     enum class Access { Read, Write };
 
-    // Opening a book of an older schema version for writing migrates it; reading leaves it.
+    // Opening a book of an older schema version (or with duplicate keys made by other rules)
+    // for writing migrates it; reading leaves it.
     explicit ContactBook(const QString& path, Access access = Access::Write);
     ~ContactBook();
     ContactBook(const ContactBook&) = delete;
@@ -109,6 +110,7 @@ private:
     bool checkFormat();
     void migrate();
     void indexContact(qint64 contactId);
+    qint64 keyRules();
     bool createSchema();
     void checkIntegrity();
     void useWal();
@@ -117,7 +119,8 @@ private:
 
     QString m_path;
     sqlite3* m_db = nullptr;
-    qint64 m_schema = 0; // as found, before any migration
+    qint64 m_schema = 0;  // as found, before any migration
+    bool m_keyed = false; // the duplicate keys are there and made by this program's rules
 };
 
 // The SQLite book's duplicate lookup.

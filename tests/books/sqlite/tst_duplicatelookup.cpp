@@ -202,6 +202,34 @@ private slots:
         QCOMPARE(readAll(path), before);
     }
 
+    // Keys made by other rules are not trusted: searched contact by contact when read, made
+    // again when opened for writing.
+    void keysOfOtherRules()
+    {
+        {
+            ContactBook book(path);
+            for (const Contact& contact : Contacts)
+                book.writeContact(std::nullopt, contact);
+        }
+        const QByteArray stale = "DELETE FROM contact_keys; "
+                                 "UPDATE state SET value = 0 WHERE key = 'duplicate_keys'";
+        sqlite3* db = nullptr;
+        QCOMPARE(sqlite3_open(QFile::encodeName(path).constData(), &db), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(db, stale.constData(), nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(db);
+        const dup::Identity anna = identity({{38, "+49 171 1234567"}});
+        const QByteArray before = readAll(path);
+        {
+            ContactBook book(path, ContactBook::Access::Read);
+            QCOMPARE(idsOf(book.findDuplicates(anna)), QStringList{"1:mobile"});
+        }
+        QCOMPARE(readAll(path), before);
+        ContactBook book(path);
+        QVERIFY(pragma(path, "SELECT count(*) FROM contact_keys") > 0);
+        QCOMPARE(pragma(path, "SELECT value FROM state WHERE key = 'duplicate_keys'"), 1);
+        QCOMPARE(idsOf(book.findDuplicates(anna)), QStringList{"1:mobile"});
+    }
+
     void matchCarriesTheContact()
     {
         writeVersion1Book();
