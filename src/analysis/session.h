@@ -24,6 +24,8 @@ struct SharedState {
     QString KontakteAdressbuch;
     QString KontakteBenutzer;
     int KontakteTimeout = 15;
+    // [Kontakte] Dublettenpruefung=0: a new contact is filed without looking for duplicates.
+    bool KontakteDublettenpruefung = true;
 };
 
 // What the main window shows and the analysis writes: the field rows and the clipboard box.

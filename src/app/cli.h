@@ -12,6 +12,8 @@
 
 // Exit status for a usage error or unreadable input.
 constexpr int ExitUsage = 2;
+// Exit status for a new contact that the book already has (nothing written).
+constexpr int ExitDuplicate = 3;
 // Input beyond this is refused rather than read: the analysis fails on far less anyway.
 constexpr qint64 MaxInputBytes = qint64(64) << 20;
 
@@ -67,5 +69,9 @@ bool contactsOnServer(const QString& file);
 // Contacts subcommand COMMAND with its checked arguments, on the book FILE (a path or a URL;
 // else as books::bookLocation chooses).
 int runContacts(const QString& command, const QStringList& args, const QString& file);
+// What a new contact does when the book already has the same person: refuse (unless the
+// settings switch the check off), file it anyway, or file it into that one contact.
+enum class OnDuplicate { Refuse, Allow, Update };
 // Analyses the input, then files the rows as a new contact (create) or into the current one.
-int runTransfer(bool create, const QString& file, const AnalyseOptions& options);
+int runTransfer(bool create, const QString& file, const AnalyseOptions& options,
+                OnDuplicate onDuplicate = OnDuplicate::Refuse);

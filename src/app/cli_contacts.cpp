@@ -5,12 +5,15 @@
 
 #include "act/contactlink.h"
 #include "analysis/fields.h"
+#include "analysis/textutil.h"
 #include "books/books.h"
 #include "books/davbook.h"
 #include "books/sqlite/contactbook.h"
 #include "books/sqlite/sqlitebook.h"
 #include "books/sqlite/vcard.h"
 #include "credentials/terminal.h"
+#include "duplicates/lookup.h"
+#include "duplicates/textsearch.h"
 #include "settings/settings.h"
 
 #include <QFileInfo>
@@ -20,6 +23,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <limits>
 #include <optional>
 
@@ -99,6 +103,27 @@ QJsonArray fieldsToJson(const QList<BookValue>& values)
     return fields;
 }
 
+QJsonObject matchToJson(const dup::Match& match, bool withReason)
+{
+    QJsonObject out{
+        {u"id"_s, match.id},
+        {u"name"_s, match.name},
+        {u"company"_s, match.company},
+        {u"email"_s, match.email},
+    };
+    if (withReason)
+        out.insert(u"reason"_s, dup::reasonName(match.reason));
+    return out;
+}
+
+QJsonArray matchesToJson(const QList<dup::Match>& matches, bool withReason)
+{
+    QJsonArray out;
+    for (const dup::Match& m : matches)
+        out.append(matchToJson(m, withReason));
+    return out;
+}
+
 QJsonObject contactToJson(ContactBook& book, qint64 id)
 {
     return QJsonObject{
@@ -141,6 +166,11 @@ int contactsCommand(const QString& command, const QStringList& args, const QStri
     } else if (command == u"fields"_s) {
         for (const BookField& f : book.fields())
             print(u"%1\t%2"_s.arg(f.id).arg(oneLine(f.label)));
+    } else if (command == u"find"_s) {
+        QList<dup::Match> matches;
+        for (const qint64 id : book.findText(args[0]))
+            matches.append(book.matchOf(id));
+        printJson(QJsonObject{{u"matches"_s, matchesToJson(matches, false)}});
     } else if (command == u"add-field"_s) {
         book.addField(qint32(args[0].toInt()), args.value(1));
     } else if (command == u"books"_s) {
@@ -261,6 +291,18 @@ int davContactsCommand(const QString& command, const QStringList& args, DavBook&
         if (!args.isEmpty())
             dav.setCurrentContact(id);
         print(listLine(id, books::cardValues(card.data), true));
+    } else if (command == u"find"_s) {
+        const dup::TextSearch search(args[0]);
+        QList<dup::Match> matches;
+        for (const carddav::Card& card : allCards(book)) {
+            dup::FieldValues values;
+            for (const BookValue& v : books::cardValues(card.data))
+                values.append({v.fieldId, v.value});
+            if (std::any_of(values.begin(), values.end(),
+                            [&search](const auto& v) { return search.matches(v.first, v.second); }))
+                matches.append(dup::matchOf(books::contactIdOf(card.url), values));
+        }
+        printJson(QJsonObject{{u"matches"_s, matchesToJson(matches, false)}});
     } else if (command == u"fields"_s) {
         for (const carddav::BookField& f : book.fields())
             print(u"%1\t%2"_s.arg(f.id).arg(oneLine(f.label)));
@@ -319,7 +361,57 @@ struct LinkTransfer {
     }
 };
 
-int davTransfer(bool create, const books::BookLocation& location, const AnalyseOptions& options)
+// The person the transfer would file, from the rows as it writes them (a later row of the
+// same field wins).
+dup::Identity identityOfRows(const FieldRows& rows)
+{
+    dup::FieldValues values;
+    for (int row = 0; row < FieldRows::RowCount; ++row) {
+        const std::optional<qint32> id = rows.fieldId(row);
+        if (!id)
+            continue;
+        values.removeIf([&](const auto& v) { return v.first == *id; });
+        values.append({*id, rows.value(row)});
+    }
+    return dup::identityOf(values);
+}
+
+// Looks the new contact up before anything is written, so that a refused duplicate leaves the
+// book as it was. Returns the exit status when the transfer ends here. With
+// --update-duplicate and one match, that contact becomes the current one and the transfer an
+// edit.
+std::optional<int> checkDuplicates(bool& create, const AnalyseRun& run, OnDuplicate onDuplicate,
+                                   dup::DuplicateLookup& lookup, QList<dup::Match>& duplicates,
+                                   const std::function<void(const QString&)>& makeCurrent)
+{
+    const dup::Identity identity = identityOfRows(run.session.rows);
+    if (!create || onDuplicate == OnDuplicate::Allow || identity.isEmpty() ||
+        Trim(run.session.clipText).isEmpty())
+        return std::nullopt;
+    duplicates = lookup.find(identity);
+    if (duplicates.isEmpty())
+        return std::nullopt;
+    if (onDuplicate == OnDuplicate::Update && duplicates.size() == 1) {
+        makeCurrent(duplicates.first().id); // as "Bearbeiten" files into the current contact
+        create = false;
+        return std::nullopt;
+    }
+    printJson(QJsonObject{
+        {u"mode"_s, u"new"_s},
+        {u"transferred"_s, false},
+        {u"duplicates"_s, matchesToJson(duplicates, true)},
+    });
+    const QString why = onDuplicate == OnDuplicate::Update
+                            ? u"the contact book has %1 contacts like this one; "
+                              u"--update-duplicate needs exactly one"_s.arg(duplicates.size())
+                            : u"the contact book already has this contact; --allow-duplicate "
+                              u"files it anyway, --update-duplicate into it"_s;
+    std::fprintf(stderr, "zettelfischer-cli: %s\n", why.toUtf8().constData());
+    return ExitDuplicate;
+}
+
+int davTransfer(bool create, const books::BookLocation& location, const AnalyseOptions& options,
+                OnDuplicate onDuplicate)
 {
     const std::shared_ptr<DavBook> dav = davBook(location);
     try {
@@ -330,10 +422,26 @@ int davTransfer(bool create, const books::BookLocation& location, const AnalyseO
     AnalyseRun run;
     if (const QString e = analyseInput(options, run); !e.isEmpty())
         return usageError(e);
+    QList<dup::Match> duplicates;
+    try {
+        books::DavDuplicateLookup lookup(*dav);
+        if (const std::optional<int> stop =
+                checkDuplicates(create, run, onDuplicate, lookup, duplicates,
+                                [&dav](const QString& id) { dav->setCurrentContact(id); }))
+            return *stop;
+    } catch (const DavError& e) {
+        return failure(e.message());
+    } catch (const ActError& e) {
+        return failure(e.message());
+    }
 
     std::optional<QString> written;
     dav->setWritten([&written](const QString& id) { written = id; });
     LinkTransfer t(books::makeDavBookFactory(dav), create, run);
+    if (!duplicates.isEmpty()) {
+        t.out.insert(u"mode"_s, u"new"_s);
+        t.out.insert(u"updatedDuplicate"_s, matchToJson(duplicates.first(), true));
+    }
     try {
         if (t.prompted)
             t.out.insert(
@@ -345,7 +453,8 @@ int davTransfer(bool create, const books::BookLocation& location, const AnalyseO
     return t.finish();
 }
 
-int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& options)
+int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& options,
+                   OnDuplicate onDuplicate)
 {
     try {
         ContactBook check(path); // a clear reason before the transfer's own short message
@@ -356,11 +465,29 @@ int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& optio
     if (const QString e = analyseInput(options, run); !e.isEmpty())
         return usageError(e);
 
+    QList<dup::Match> duplicates;
+    try {
+        if (create && onDuplicate != OnDuplicate::Allow) { // else no need to open it again
+            ContactBook book(path);
+            BookDuplicateLookup lookup(book);
+            if (const std::optional<int> stop = checkDuplicates(
+                    create, run, onDuplicate, lookup, duplicates,
+                    [&book](const QString& id) { book.setCurrentContact(*parseContactId(id)); }))
+                return *stop;
+        }
+    } catch (const BookError& e) {
+        return failure(e.message());
+    }
+
     // The contact this transfer wrote: the book's current contact may already be another
     // program's by the time the answer is printed.
     std::optional<qint64> written;
     LinkTransfer t(makeContactBookFactory(path, [&written](qint64 id) { written = id; }), create,
                    run);
+    if (!duplicates.isEmpty()) {
+        t.out.insert(u"mode"_s, u"new"_s);
+        t.out.insert(u"updatedDuplicate"_s, matchToJson(duplicates.first(), true));
+    }
     try {
         if (t.prompted) {
             ContactBook book(path, ContactBook::Access::Read);
@@ -378,12 +505,17 @@ int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& optio
 
 namespace {
 
-books::BookLocation contactsLocation(const QString& file, const QString& iniFile = {})
+SharedState loadedSettings(const QString& iniFile = {})
 {
     SharedState state;
     FieldRows rows;
     LoadSettings(iniFile.isEmpty() ? settingsFilePath() : iniFile, state, rows);
-    return books::bookLocation(file, state);
+    return state;
+}
+
+books::BookLocation contactsLocation(const QString& file)
+{
+    return books::bookLocation(file, loadedSettings());
 }
 
 } // namespace
@@ -409,10 +541,14 @@ int runContacts(const QString& command, const QStringList& args, const QString& 
     }
 }
 
-int runTransfer(bool create, const QString& file, const AnalyseOptions& options)
+int runTransfer(bool create, const QString& file, const AnalyseOptions& options,
+                OnDuplicate onDuplicate)
 {
-    const books::BookLocation location = contactsLocation(file, options.iniFile);
+    const SharedState settings = loadedSettings(options.iniFile);
+    const books::BookLocation location = books::bookLocation(file, settings);
+    if (!settings.KontakteDublettenpruefung && onDuplicate == OnDuplicate::Refuse)
+        onDuplicate = OnDuplicate::Allow;
     if (books::isServerLocation(location.location))
-        return davTransfer(create, location, options);
-    return sqliteTransfer(create, location.location, options);
+        return davTransfer(create, location, options, onDuplicate);
+    return sqliteTransfer(create, location.location, options, onDuplicate);
 }

@@ -10,6 +10,7 @@
 #include <QJsonObject>
 #include <QMap>
 
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 #include <utility>
@@ -404,6 +405,28 @@ private:
 std::shared_ptr<act::ObjectFactory> makeDavBookFactory(std::shared_ptr<DavBook> book)
 {
     return std::make_shared<DavFactory>(std::move(book));
+}
+
+QList<dup::Match> DavDuplicateLookup::find(const dup::Identity& identity)
+{
+    carddav::AddressBook& book = m_book.book();
+    QList<QUrl> urls;
+    for (const carddav::CardRef& ref : book.list())
+        urls.append(ref.url);
+    QList<dup::Match> matches;
+    for (const carddav::Card& card : book.multiget(urls)) {
+        dup::FieldValues fields;
+        for (const act::BookValue& v : cardValues(card.data))
+            fields.append({v.fieldId, v.value});
+        const std::optional<dup::Reason> reason =
+            dup::sameContact(identity, dup::identityOf(fields));
+        if (!reason)
+            continue;
+        matches.append(dup::matchOf(contactIdOf(card.url), fields, *reason));
+    }
+    std::sort(matches.begin(), matches.end(),
+              [](const dup::Match& a, const dup::Match& b) { return a.id < b.id; });
+    return matches;
 }
 
 } // namespace zf::books

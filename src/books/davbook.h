@@ -68,4 +68,15 @@ private:
 
 std::shared_ptr<act::ObjectFactory> makeDavBookFactory(std::shared_ptr<DavBook> book);
 
+// The CardDAV book's duplicate lookup: every card, listed and fetched in one multiget, compared
+// here, as a server's text-match cannot fold names or normalise numbers.
+class DavDuplicateLookup : public dup::DuplicateLookup {
+public:
+    explicit DavDuplicateLookup(DavBook& book) : m_book(book) {}
+    QList<dup::Match> find(const dup::Identity& identity) override;
+
+private:
+    DavBook& m_book;
+};
+
 } // namespace zf::books

@@ -92,7 +92,12 @@ Identity identityOf(const FieldValues& values)
     QString callingCode = callingCodeOf(valueOf(values, FieldId::Land));
     if (callingCode.isEmpty())
         callingCode = u"49"_s;
-    const QString mobile = normalisePhone(valueOf(values, FieldId::Mobil), callingCode);
+    QString mobile = normalisePhone(valueOf(values, FieldId::Mobil), callingCode);
+    // A mobile number always has its network prefix: plain digits this long are a national
+    // number without its leading zero, as the analysis writes one given with the home calling
+    // code ("+49 170 …" -> "170…").
+    if (mobile.size() >= 9 && !mobile.startsWith(u'+'))
+        mobile = u'+' + callingCode + mobile;
     if (mobile.size() > 6) // shorter is no full number
         identity.mobiles.append(mobile);
     return identity;

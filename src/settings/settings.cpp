@@ -195,6 +195,8 @@ void LoadSettings(const QString& iniPath, SharedState& state, FieldRows& rows)
     bool ok = false;
     const int timeout = ini.ReadData(SectionBook, u"Timeout"_s, u""_s).trimmed().toInt(&ok);
     state.KontakteTimeout = ok && timeout >= 1 && timeout <= 86400 ? timeout : 15;
+    state.KontakteDublettenpruefung =
+        ini.ReadData(SectionBook, u"Dublettenpruefung"_s, u"1"_s).trimmed() != u"0"_s;
 }
 
 void SaveFieldCache(const QString& iniPath, const FieldRows& rows)

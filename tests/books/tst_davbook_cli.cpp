@@ -83,9 +83,13 @@ class TestDavBookCli : public QObject {
             e.insert("ZETTELFISCHER_PASSWORD", password);
         return e;
     }
+    // The tests share one book and file the same texts again: not the duplicate check's case.
     Run transfer(const char* mode, const char* input, const QString& book)
     {
-        return runCli({"transfer", mode, "--contacts", book, "--file", data(input)}, env());
+        QStringList args{"transfer", mode, "--contacts", book, "--file", data(input)};
+        if (QByteArray(mode) == "--new")
+            args << "--allow-duplicate";
+        return runCli(args, env());
     }
 
 private slots:
@@ -192,8 +196,9 @@ private slots:
     {
         QProcessEnvironment e = env();
         e.insert("XDG_STATE_HOME", "/dev/null/state");
-        const Run filed =
-            runCli({"transfer", "--new", "--contacts", m_book, "--file", data("signature.txt")}, e);
+        const Run filed = runCli({"transfer", "--new", "--allow-duplicate", "--contacts", m_book,
+                                  "--file", data("signature.txt")},
+                                 e);
         QVERIFY2(filed.exitCode == 0, filed.err.constData());
         const QString id = filed.json().value("contact").toObject().value("id").toString();
         QVERIFY(QFile::exists(QDir(m_server->storedBook()).filePath(id)));
@@ -281,6 +286,59 @@ private slots:
         QVERIFY2(run.err.contains(message), run.err.constData());
         QVERIFY2(run.ms < 5000, qPrintable(QString::number(run.ms)));
         QVERIFY(run.out.isEmpty());
+    }
+
+    // The duplicate check against a server book: refused with exit 3 and nothing written,
+    // filed into the one match with --update-duplicate.
+    void duplicateOnServer()
+    {
+        if (DavServer::program(DavServer::Xandikos).isEmpty())
+            QSKIP("xandikos is not installed");
+        const DavServer server(DavServer::Xandikos);
+        QVERIFY2(server.error().isEmpty(), qPrintable(server.error()));
+        const QString book = server.book().toString();
+        QTemporaryDir dir;
+        const auto file = [&dir](const QByteArray& text) {
+            const QString path = dir.filePath(QString::number(qHash(text)) + ".txt");
+            QFile f(path);
+            f.open(QIODevice::WriteOnly);
+            f.write(text);
+            return path;
+        };
+        const QByteArray lena = "Vogt Design\nLena Vogt\nMobil: 0170 2223334\nlena@vogt.de\n";
+        const auto create = [&](const QByteArray& text, const QStringList& extra = {}) {
+            return runCli(
+                QStringList{"transfer", "--new", "--contacts", book, "--file", file(text)} + extra,
+                env());
+        };
+        const auto cards = [&] {
+            return runCli({"contacts", "list", "--contacts", book}, env()).out.count('\n');
+        };
+        const Run first = create(lena);
+        QVERIFY2(first.exitCode == 0, first.err.constData());
+        const QString id = first.json().value("contact").toObject().value("id").toString();
+        QCOMPARE(create("Kern AG\nMax Kern\nmax@kern.de\n").exitCode, 0);
+
+        const Run refused = create(QByteArray(lena).replace("Lena Vogt", "L. Vogt"));
+        QCOMPARE(refused.exitCode, 3);
+        const QJsonArray duplicates = refused.json().value("duplicates").toArray();
+        QCOMPARE(duplicates.size(), 1);
+        QCOMPARE(duplicates[0].toObject().value("id").toString(), id);
+        QCOMPARE(duplicates[0].toObject().value("reason").toString(), "email");
+        QCOMPARE(cards(), 2);
+        const Run found = runCli({"contacts", "find", "0170 222", "--contacts", book}, env());
+        QCOMPARE(found.exitCode, 0);
+        const QJsonArray matches = found.json().value("matches").toArray();
+        QCOMPARE(matches.size(), 1);
+        QCOMPARE(matches[0].toObject().value("id").toString(), id);
+        // The mobile number alone, written another way.
+        QCOMPARE(create("Lena V.\nMobil: 0170/222 33 34\n").exitCode, 3);
+
+        const Run updated = create(lena + "Tel: 030 123456\n", {"--update-duplicate"});
+        QVERIFY2(updated.exitCode == 0, updated.err.constData());
+        QCOMPARE(updated.json().value("contact").toObject().value("id").toString(), id);
+        QVERIFY(fieldValue(updated.json().value("contact").toObject(), 35).endsWith("123456"));
+        QCOMPARE(cards(), 2);
     }
 
     // What was written, read by real clients: vdirsyncer copies the book, khard shows it.

@@ -114,6 +114,10 @@ private slots:
         row("mobile, DE formats", "Mobil=+49 (0)171 / 12 34-56", "Mobil=0171 123456", mobile);
         row("mobile, Swiss contact", "Mobil=079 123 45 67|Land=Schweiz", "Mobil=+41 79 123 45 67",
             mobile);
+        row("mobile as the analysis writes the home calling code", "Mobil=1702223334",
+            "Mobil=0170 222 33 34", mobile);
+        row("mobile as the analysis writes it, Austrian", "Mobil=6641234567|Land=Österreich",
+            "Mobil=+43 664 1234567", mobile);
         row("same national digits, other countries", "Mobil=0664 1234567|Land=Österreich",
             "Mobil=0664 1234567|Land=Deutschland", none);
         row("colleagues share switchboard and fax",

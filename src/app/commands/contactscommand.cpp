@@ -12,7 +12,7 @@ namespace zf::cli {
 namespace {
 
 // What a subcommand takes after its name.
-enum class Takes { Nothing, OneId, Ids, FieldAndLabel };
+enum class Takes { Nothing, OneId, Ids, FieldAndLabel, Text };
 
 struct Subcommand {
     QString name;
@@ -33,6 +33,10 @@ const QList<Subcommand>& subcommands()
          Takes::OneId},
         {u"current"_s, u"[ID]"_s,
          u"Shows the current contact, or makes contact ID the current one."_s, Takes::OneId},
+        {u"find"_s, u"TEXT"_s,
+         u"The contacts with TEXT in a name, the company, the e-mail or a phone number, as "
+         u"JSON."_s,
+         Takes::Text},
         {u"fields"_s, {}, u"The book's fields: ID and label."_s, Takes::Nothing},
         {u"add-field"_s, u"ID [LABEL]"_s, u"Adds a field to the book."_s, Takes::FieldAndLabel},
         {u"export"_s, u"[ID...]"_s, u"The contacts (default: all) as vCard 4.0."_s, Takes::Ids},
@@ -70,6 +74,10 @@ QString checkArguments(const Subcommand& sub, const QStringList& args, bool serv
         for (const QString& arg : args)
             if (server ? !books::isDavContactId(arg) : !parseContactId(arg))
                 return u"contacts %1: '%2' is not a contact id"_s.arg(sub.name, arg);
+        break;
+    case Takes::Text:
+        if (args.size() != 1 || args[0].trimmed().isEmpty())
+            return u"contacts %1: needs one TEXT to look for"_s.arg(sub.name);
         break;
     case Takes::FieldAndLabel: {
         if (args.isEmpty() || args.size() > 2)

@@ -19,6 +19,8 @@ protected:
 private:
     QCommandLineOption m_new;
     QCommandLineOption m_edit;
+    QCommandLineOption m_allowDuplicate;
+    QCommandLineOption m_updateDuplicate;
     QCommandLineOption m_contacts;
     AnalyseOptionSet m_options;
 };

@@ -1,6 +1,8 @@
 #include "contactbook.h"
 
 #include "analysis/fieldrows.h"
+#include "analysis/fields.h"
+#include "duplicates/textsearch.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,6 +10,7 @@
 #include <QUuid>
 
 #include <functional>
+#include <map>
 
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -45,6 +48,35 @@ CREATE TABLE state (
     value
 ) WITHOUT ROWID;
 )";
+
+// Schema version 2: each contact's normalised e-mail addresses, person name (with the company
+// it goes with) and mobile numbers, so that finding a duplicate reads a few index entries.
+const char* const KeysSql = R"(
+CREATE TABLE contact_keys (
+    kind INTEGER NOT NULL,
+    key TEXT NOT NULL,
+    contact_id INTEGER NOT NULL REFERENCES contacts(id) ON DELETE CASCADE,
+    company TEXT NOT NULL DEFAULT '',
+    PRIMARY KEY (kind, key, contact_id)
+) WITHOUT ROWID;
+CREATE INDEX contact_keys_contact ON contact_keys (contact_id);
+)";
+
+enum KeyKind { EMailKey = 0, PersonKey = 1, MobileKey = 2 };
+
+// The rules of dup::identityOf the keys were made by, kept in the state table: a book keyed by
+// other rules is keyed again when it is opened for writing, and searched contact by contact
+// until then.
+constexpr qint64 KeyRules = 1;
+
+dup::FieldValues fieldValuesOf(const QList<BookValue>& values)
+{
+    dup::FieldValues out;
+    out.reserve(values.size());
+    for (const BookValue& v : values)
+        out.append({v.fieldId, v.value});
+    return out;
+}
 
 } // namespace
 
@@ -183,9 +215,12 @@ ContactBook::ContactBook(const QString& path, Access access) : m_path(path)
             throw BookError(BookError::ReadOnly, u"the contact book '%1' is read-only"_s.arg(path));
         // Recognised first: nothing is changed in a file that is not ours.
         const bool created = checkFormat();
+        m_keyed = m_schema >= 2 && keyRules() == KeyRules;
         if (access == Access::Write) {
             checkIntegrity();
             useWal();
+            if (!m_keyed)
+                migrate();
             keepBookUid();
         } else if (created) {
             useWal();
@@ -270,7 +305,7 @@ bool ContactBook::checkFormat()
             if (schema < 1)
                 throw BookError(BookError::Damaged,
                                 u"the contact book '%1' has no schema version"_s.arg(m_path));
-            // Migrations of older schema versions go here.
+            m_schema = schema;
             return created;
         }
         if (id == 0 && schema == 0 && objects == 0 && !attempted) {
@@ -299,10 +334,133 @@ bool ContactBook::createSchema()
         Statement insert(*this, "INSERT INTO fields (id, label) VALUES (?, ?)");
         insert.bind(1, e.id).bind(2, e.name).run();
     }
+    exec(KeysSql);
+    Statement(*this, "INSERT INTO state (key, value) VALUES ('duplicate_keys', ?)")
+        .bind(1, KeyRules)
+        .run();
     exec(QByteArray("PRAGMA application_id = " + QByteArray::number(ApplicationId)).constData());
     exec(QByteArray("PRAGMA user_version = " + QByteArray::number(SchemaVersion)).constData());
     transaction.commit();
     return true;
+}
+
+void ContactBook::migrate()
+{
+    Transaction transaction([this](const char* sql) { exec(sql); });
+    qint64 schema = 0;
+    {
+        // Another program may have migrated it while this one waited for the lock.
+        Statement version(*this, "PRAGMA user_version");
+        version.step();
+        schema = version.integer(0);
+    }
+    if (schema < 2)
+        exec(KeysSql);
+    if (schema < 2 || keyRules() != KeyRules) {
+        exec("DELETE FROM contact_keys");
+        for (const qint64 id : contactIds())
+            indexContact(id);
+        Statement(*this, "INSERT OR REPLACE INTO state (key, value) VALUES ('duplicate_keys', ?)")
+            .bind(1, KeyRules)
+            .run();
+    }
+    exec(QByteArray("PRAGMA user_version = " + QByteArray::number(SchemaVersion)).constData());
+    transaction.commit();
+    m_schema = SchemaVersion;
+    m_keyed = true;
+}
+
+qint64 ContactBook::keyRules()
+{
+    Statement query(*this, "SELECT value FROM state WHERE key = 'duplicate_keys'");
+    return query.step() ? query.integer(0) : 0;
+}
+
+void ContactBook::indexContact(qint64 contactId)
+{
+    const dup::Identity identity = dup::identityOf(fieldValuesOf(contactValues(contactId)));
+    Statement(*this, "DELETE FROM contact_keys WHERE contact_id = ?").bind(1, contactId).run();
+    const auto insert = [&](KeyKind kind, const QString& key, const QString& company) {
+        Statement(*this, "INSERT OR IGNORE INTO contact_keys (kind, key, contact_id, company) "
+                         "VALUES (?, ?, ?, ?)")
+            .bind(1, qint64(kind))
+            .bind(2, key)
+            .bind(3, contactId)
+            .bind(4, company)
+            .run();
+    };
+    for (const QString& email : identity.emails)
+        insert(EMailKey, email, {});
+    // A single word never makes a match, so it needs no key.
+    if (identity.person.contains(u' '))
+        insert(PersonKey, identity.person, identity.company);
+    for (const QString& mobile : identity.mobiles)
+        insert(MobileKey, mobile, {});
+}
+
+QList<dup::Match> ContactBook::findDuplicates(const dup::Identity& identity)
+{
+    // By id, the strongest reason first found: e-mail, then name, then mobile.
+    std::map<qint64, dup::Reason> found;
+    if (!m_keyed) {
+        for (const qint64 id : contactIds()) {
+            const std::optional<dup::Reason> reason =
+                dup::sameContact(identity, dup::identityOf(fieldValuesOf(contactValues(id))));
+            if (reason)
+                found.emplace(id, *reason);
+        }
+    } else {
+        const auto lookUp = [&](KeyKind kind, const QString& key, dup::Reason reason) {
+            Statement query(*this, "SELECT contact_id, company FROM contact_keys "
+                                   "WHERE kind = ? AND key = ?");
+            query.bind(1, qint64(kind)).bind(2, key);
+            while (query.step()) {
+                const QString company = query.text(1);
+                if (kind == PersonKey && !identity.company.isEmpty() && !company.isEmpty() &&
+                    company != identity.company)
+                    continue;
+                found.emplace(query.integer(0), reason);
+            }
+        };
+        for (const QString& email : identity.emails)
+            lookUp(EMailKey, email, dup::Reason::EMail);
+        if (identity.person.contains(u' '))
+            lookUp(PersonKey, identity.person, dup::Reason::Name);
+        for (const QString& mobile : identity.mobiles)
+            lookUp(MobileKey, mobile, dup::Reason::Mobile);
+    }
+    QList<dup::Match> matches;
+    for (const auto& [id, reason] : found)
+        matches.append(matchOf(id, reason));
+    return matches;
+}
+
+QList<qint64> ContactBook::findText(const QString& text)
+{
+    const dup::TextSearch search(text);
+    if (search.isEmpty())
+        return {};
+    QList<qint64> ids;
+    Statement query(*this, "SELECT contact_id, field_id, value FROM contact_values "
+                           "WHERE field_id IN (SELECT value FROM json_each(?)) "
+                           "ORDER BY contact_id");
+    QStringList fields;
+    for (const qint32 id : dup::TextSearch::fields())
+        fields.append(QString::number(id));
+    query.bind(1, u'[' + fields.join(u',') + u']');
+    while (query.step()) {
+        const qint64 id = query.integer(0);
+        if ((ids.isEmpty() || ids.last() != id) &&
+            search.matches(qint32(query.integer(1)), query.text(2)))
+            ids.append(id);
+    }
+    return ids;
+}
+
+dup::Match ContactBook::matchOf(qint64 contactId, dup::Reason reason)
+{
+    return dup::matchOf(QString::number(contactId), fieldValuesOf(contactValues(contactId)),
+                        reason);
 }
 
 void ContactBook::checkIntegrity()
@@ -361,6 +519,8 @@ qint64 ContactBook::writeContact(std::optional<qint64> contactId, const QList<Fi
     }
     for (const FieldValue& v : values)
         storeValue(id, v.fieldId, v.value);
+    if (!values.isEmpty() && m_keyed) // else keyed when the book is migrated
+        indexContact(id);
     if (contactId && !values.isEmpty())
         touch(id);
     Statement(*this, "INSERT OR REPLACE INTO state (key, value) VALUES ('current_contact', ?)")
@@ -376,6 +536,8 @@ void ContactBook::setField(qint64 contactId, qint32 fieldId, const QString& valu
     if (!hasContact(contactId))
         throw BookError(BookError::NotFound, u"there is no contact %1"_s.arg(contactId));
     storeValue(contactId, fieldId, value);
+    if (m_keyed)
+        indexContact(contactId);
     touch(contactId);
     transaction.commit();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "duplicates/lookup.h"
+
 #include <QDateTime>
 #include <QList>
 #include <QString>
@@ -54,12 +56,15 @@ struct FieldValue {
 // file at the same time.
 class ContactBook {
 public:
-    static constexpr int SchemaVersion = 1;
+    // 2: the duplicate keys (normalised e-mail, person name, mobile) beside the values.
+    static constexpr int SchemaVersion = 2;
     static constexpr qint32 ApplicationId = 0x5A464B42; // marks the file as ours
 
     // Reading never changes an existing book, not even its journal mode.
     enum class Access { Read, Write };
 
+    // Opening a book of an older schema version (or with duplicate keys made by other rules)
+    // for writing migrates it; reading leaves it.
     explicit ContactBook(const QString& path, Access access = Access::Write);
     ~ContactBook();
     ContactBook(const ContactBook&) = delete;
@@ -81,6 +86,15 @@ public:
     // The contact's values in the book's field order; fields without a value are left out.
     QList<BookValue> contactValues(qint64 contactId);
 
+    // The contacts that are the same person, by the duplicate keys; a book read in an older
+    // schema version has none and is searched contact by contact.
+    QList<dup::Match> findDuplicates(const dup::Identity& identity);
+    // The contacts with TEXT in a name, the company, the e-mail or a phone number (case
+    // insensitive; a number by its digits); each once, by id.
+    QList<qint64> findText(const QString& text);
+    // Id, name, company and e-mail of the contact, for a list of matches.
+    dup::Match matchOf(qint64 contactId, dup::Reason reason = dup::Reason::EMail);
+
     QList<BookField> fields();
     int fieldCount();
     std::optional<qint32> fieldIdAt(int position);
@@ -101,6 +115,9 @@ private:
     [[noreturn]] void fail(int rc, const QString& doing);
     // True when this connection created the schema.
     bool checkFormat();
+    void migrate();
+    void indexContact(qint64 contactId);
+    qint64 keyRules();
     bool createSchema();
     void checkIntegrity();
     void useWal();
@@ -112,6 +129,21 @@ private:
 
     QString m_path;
     sqlite3* m_db = nullptr;
+    qint64 m_schema = 0;  // as found, before any migration
+    bool m_keyed = false; // the duplicate keys are there and made by this program's rules
+};
+
+// The SQLite book's duplicate lookup.
+class BookDuplicateLookup : public dup::DuplicateLookup {
+public:
+    explicit BookDuplicateLookup(ContactBook& book) : m_book(book) {}
+    QList<dup::Match> find(const dup::Identity& identity) override
+    {
+        return m_book.findDuplicates(identity);
+    }
+
+private:
+    ContactBook& m_book;
 };
 
 } // namespace zf::act

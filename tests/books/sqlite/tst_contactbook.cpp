@@ -153,7 +153,7 @@ private slots:
         else if (kind == "foreign")
             rawSql(path, "CREATE TABLE notes (text TEXT)");
         else if (kind == "newer")
-            rawSql(path, "PRAGMA user_version = 2");
+            rawSql(path, "PRAGMA user_version = 3");
         else if (kind == "damaged")
             writeFile(path, readAll(path).replace(100, 3996, QByteArray(3996, char(0xA5))));
         else if (kind == "damaged page")
