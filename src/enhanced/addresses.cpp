@@ -184,7 +184,8 @@ int StreetStrength(QStringView text, QString* value)
     };
     const auto streetWord = [&k](QStringView word) {
         const QString lower = Bare(word);
-        return k.streetWords.has(lower) || k.streetWords.words.contains(lower);
+        // "Rd," and "Ave" are "Rd." and "Ave." with the dot left out.
+        return k.streetWords.has(lower) || k.streetWords.words.contains(lower + u'.');
     };
     for (QStringView word : w) {
         const QString bare = Bare(word);
@@ -219,8 +220,8 @@ int StreetStrength(QStringView text, QString* value)
             return last <= 4 ? 1 : 0;
         }
     }
-    // "14 Cathedral Close", "200 W. Harbor Drive, Suite 1200", "12 rue de Rivoli"
-    if (houseNumber(w[0], &number) && w[1][0].isLetter()) {
+    // "14 Cathedral Close", "200 W. Harbor Drive, Suite 1200", "12, rue de Rivoli"
+    if (houseNumber(stripTrailing(w[0], u","), &number) && w[1][0].isLetter()) {
         bool word = false;
         for (qsizetype i = 1; i < w.size(); ++i)
             word = word || streetWord(w[i]) || k.streetLeadWords.contains(Bare(w[i]));
@@ -258,12 +259,18 @@ bool IsAddressExtra(QStringView text)
         u"etage"_s,   u"stock"_s,    u"og"_s,     u"hinterhaus"_s, u"vorderhaus"_s,
         u"aufgang"_s, u"building"_s, u"floor"_s,  u"suite"_s,      u"unit"_s,
         u"apt."_s,    u"wing"_s,     u"bau"_s,    u"trakt"_s,      u"halle"_s};
+    // A branch in front of its town ("Filiale Nord") stands between the firm and the street.
+    static const QSet<QString> branches{
+        u"niederlassung"_s, u"zweigniederlassung"_s, u"filiale"_s,    u"zweigstelle"_s,
+        u"außenstelle"_s,   u"geschäftsstelle"_s,    u"succursale"_s, u"branch"_s};
     const QString lower = text.toString().toLower();
     if (lower.startsWith(u"c/o"_s))
         return true;
     const QList<QStringView> w = Words(lower);
     if (w.size() > 6)
         return false;
+    if (w.size() >= 2 && w.size() <= 4 && branches.contains(Bare(w[0])))
+        return true;
     for (QStringView word : w)
         if (words.contains(Bare(word)))
             return true;

@@ -299,6 +299,12 @@ void Analysis::assemble()
         add(FieldId::Plz, m_lines[place].place.plz);
         add(FieldId::Ort, m_lines[place].place.ort);
         take(place, u"PLZ/Ort"_s);
+        // A form's "Postcode: M4 4FY" carries no town; its own city line does.
+        if (const int city = last([](const Line& l) { return l.kind == Kind::City && l.labelled; });
+            m_lines[place].place.ort.isEmpty() && city >= 0) {
+            add(FieldId::Ort, m_lines[city].value);
+            take(city, u"Ort"_s);
+        }
     } else {
         // A form's separate postcode and city.
         const int pc = last([](const Line& l) { return l.kind == Kind::Postcode; });

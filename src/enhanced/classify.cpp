@@ -301,7 +301,15 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         l.kind = Kind::Title;
         return;
     case LabelKind::Street: {
+        // "Neu:" announces a moved address as often as a new product.
+        const bool onlyIfAddress = label.qualifier == u"moved"_s;
         if (!extra || depth > 2) {
+            QString street;
+            if (onlyIfAddress && StreetStrength(value, &street) == 0) {
+                l.kind = Kind::Noise;
+                l.why += u"hinter dem Etikett keine Anschrift"_s;
+                return;
+            }
             l.kind = Kind::Street;
             l.strength = 3;
             return;
@@ -312,6 +320,11 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         QList<Line> parts;
         classifyInto(inner, parts, depth + 1);
         if (parts.size() == 1 && (parts[0].kind == Kind::Unknown || parts[0].kind == Kind::Noise)) {
+            if (onlyIfAddress) {
+                l.kind = Kind::Noise;
+                l.why += u"hinter dem Etikett keine Anschrift"_s;
+                return;
+            }
             l.kind = Kind::Street;
             l.strength = 3;
             l.why += u"Straße hinter dem Etikett"_s;
@@ -459,7 +472,9 @@ bool Analysis::classifyOne(Line& l)
             return is(Kind::Person, u"Name hinter \"i. A.\" oder \"ppa.\""_s);
         }
     }
-    if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s))
+    // "lic. iur. Anna Meier" starts small and is a name.
+    if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s) &&
+        DegreeOnly(Words(t).front()).isEmpty())
         return is(Kind::Prose, u"beginnt klein: Satz"_s);
     const int words = int(Words(t).size());
     const bool firmFirst =

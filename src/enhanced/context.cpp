@@ -218,12 +218,18 @@ void Analysis::context()
         }
     }
 
-    // A plain "Name 12" is a street when its postcode follows.
+    // A plain "Name 12" is a street when its postcode follows, maybe behind a PO box or
+    // building line.
     for (int i = m_from; i < m_to; ++i) {
         Line& l = m_lines[i];
         if (l.skipped || l.kind != Kind::Street || l.strength != 1)
             continue;
-        const int next = nextInBlock(i);
+        int next = nextInBlock(i);
+        for (int hop = 0;
+             hop < 2 && next >= 0 &&
+             (m_lines[next].kind == Kind::PoBox || m_lines[next].kind == Kind::Address2);
+             ++hop)
+            next = nextInBlock(next);
         const bool sameLineNext = i + 1 < m_to && m_lines[i + 1].source == l.source &&
                                   m_lines[i + 1].kind == Kind::PostcodeCity;
         if (sameLineNext || (next >= 0 && (m_lines[next].kind == Kind::PostcodeCity ||

@@ -172,6 +172,9 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     while (end > i && (isDegree(stripTrailing(w[end - 1], u","), caps) ||
                        isDegreeFollow(stripTrailing(w[end - 1], u","), caps)))
         --end;
+    // A degree behind the name marks it as one as well as a degree in front.
+    if (end < w.size() && isDegree(stripTrailing(w[end], u","), caps))
+        p.marked = true;
     QList<QString> names;
     for (qsizetype j = i; j < end; ++j)
         names.append(stripTrailing(w[j], u","));

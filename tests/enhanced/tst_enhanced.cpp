@@ -177,6 +177,17 @@ void TestEnhanced::names_data()
 void TestEnhanced::companies_data()
 {
     columns();
+    addCase("Swiss degree with its school, a foundation as the firm",
+            "lic. oec. HSG Martina Frick\nLeiterin Finanzen\n\nAlpenrhein Vorsorge Stiftung\n"
+            "Aeulestrasse 30\nFL-9490 Vaduz\n",
+            "Titel=lic. oec. HSG | Vorname=Martina | Nachname=Frick | Kontakt=Martina Frick | "
+            "Firma=Alpenrhein Vorsorge Stiftung | Adresse=Aeulestrasse 30 | PLZ=9490 | Ort=Vaduz | "
+            "Land=Liechtenstein");
+    addCase("Bologna law degree behind the name, an establishment as the firm",
+            "Noemi Gasser, MLaw\nGasser Treuhand Anstalt\nIm Krüz 4\nFL-9494 Schaan\n",
+            "Vorname=Noemi | Nachname=Gasser | Kontakt=Noemi Gasser | "
+            "Firma=Gasser Treuhand Anstalt | Adresse=Im Krüz 4 | PLZ=9494 | Ort=Schaan | "
+            "Land=Liechtenstein");
     addCase("job in front of the firm",
             "Best regards\nRupert Dallmayr\nHead of Sales, Alpenkorn Mühlen AG\n"
             "rupert.dallmayr@alpenkorn.example.de\n",
@@ -254,6 +265,43 @@ void TestEnhanced::streets_data()
             "Glaserei Funke · Fensterweg 3, 45127 Essen · Tel. 0201 445566\n",
             "Firma=Glaserei Funke | Adresse=Fensterweg 3 | PLZ=45127 | Ort=Essen | "
             "Land=Deutschland | Telefon=0201 445566");
+    addCase("French number with a comma before the street type",
+            "Atelier Verrier SARL\n7, avenue des Tilleuls\n69003 Lyon\nFrance\n",
+            "Firma=Atelier Verrier SARL | Adresse=7, avenue des Tilleuls | PLZ=69003 | Ort=Lyon | "
+            "Land=Frankreich");
+    addCase("US street type without its dot, suite on the same line",
+            "Prairie Seed Partners LLC\n815 N. Willow Ave, Suite 200\nOmaha, NE 68102\n",
+            "Firma=Prairie Seed Partners LLC | Adresse=815 N. Willow Ave, Suite 200 | "
+            "PLZ=68102 | Ort=Omaha, NE | Land=USA");
+    addCase("street without street word, PO box before the postcode",
+            "Kessler Vermögensverwaltung Anstalt\nPradafant 11\nPostfach 207\nFL-9490 Vaduz\n",
+            "Firma=Kessler Vermögensverwaltung Anstalt | Adresse=Pradafant 11 | "
+            "Adresse 2=Postfach 207 | PLZ=9490 | Ort=Vaduz | Land=Liechtenstein");
+    addCase("branch line between firm and street",
+            "Nordlicht Logistik GmbH\nNiederlassung Bremen\nAm Speicher 4\n28217 Bremen\n",
+            "Firma=Nordlicht Logistik GmbH | Adresse=Am Speicher 4 | "
+            "Adresse 2=Niederlassung Bremen | PLZ=28217 | Ort=Bremen | Land=Deutschland");
+    addCase("a lone branch word is no address extra",
+            "Filiale\nBäckerei Sommer\nLindenweg 3\n34117 Kassel\n",
+            "Firma=Bäckerei Sommer | Adresse=Lindenweg 3 | PLZ=34117 | Ort=Kassel | "
+            "Land=Deutschland");
+    addCase("moved notice: new address behind its label on one line",
+            "Wir ziehen um!\n\nBuchbinderei Falkner\nNEU: Gerbergasse 5, 79098 Freiburg\n",
+            "Firma=Buchbinderei Falkner | Adresse=Gerbergasse 5 | PLZ=79098 | Ort=Freiburg | "
+            "Land=Deutschland");
+    addCase("\"Neu:\" in front of news is no address",
+            "Muster Beratung GmbH\nNeu: Beratung per Video\nHauptstraße 5\n12345 Berlin\n",
+            "Firma=Muster Beratung GmbH | Adresse=Hauptstraße 5 | PLZ=12345 | Ort=Berlin | "
+            "Land=Deutschland");
+    addCase("moved notice: the label alone, the address below",
+            "Schuhhaus Reiter\nNeu:\nMarktgasse 8\nCH-4051 Basel\n",
+            "Firma=Schuhhaus Reiter | Adresse=Marktgasse 8 | PLZ=4051 | Ort=Basel | Land=Schweiz");
+    addCase(
+        "moved notice: trade name over the owner",
+        "Hörakustik Sonnleitner\nInh. Birgit Sonnleitner\nNeu: Kirchplatz 2, 83278 Traunstein\n",
+        "Firma=Hörakustik Sonnleitner | Vorname=Birgit | Nachname=Sonnleitner | "
+        "Kontakt=Birgit Sonnleitner | Adresse=Kirchplatz 2 | PLZ=83278 | Ort=Traunstein | "
+        "Land=Deutschland");
 }
 
 void TestEnhanced::postcodes_data()
@@ -305,6 +353,12 @@ void TestEnhanced::phones_data()
     addCase("mobile without label", "030 1234567\n0170 1234567\n",
             "Telefon=030 1234567 | Mobil=0170 1234567");
     addCase("Austrian mobile without label", "+43 664 1234567\n", "Mobil=+43 664 1234567");
+    addCase("Salzburg's area code inside the Austrian mobile range",
+            "Tel. +43 662 451280\nFax +43 662 451289\n",
+            "Telefon=+43 662 451280 | Fax=+43 662 451289");
+    addCase("Austrian mobile beside a landline",
+            "T: +43 (0)512 58 33 10\nM: +43 (0)681 204 55 12\n",
+            "Telefon=+43 (0)512 58 33 10 | Mobil=+43 (0)681 204 55 12");
     addCase("switchboard and direct line",
             "Tel. 0221 5555-0 (Zentrale)\nTel. 0221 5555-17 (Durchwahl)\n",
             "Telefon=0221 5555-17 | Telefon 2=0221 5555-0");
@@ -416,6 +470,10 @@ void TestEnhanced::threads_data()
 void TestEnhanced::forms_data()
 {
     columns();
+    addCase("English form: the city on its own line above the postcode",
+            "Name: Fiona Carver\nAddress: 3 Millbrook Lane\nCity: York\nPostcode: YO1 7HH\n",
+            "Vorname=Fiona | Nachname=Carver | Kontakt=Fiona Carver | Adresse=3 Millbrook Lane | "
+            "PLZ=YO1 7HH | Ort=York | Land=Großbritannien");
     addCase("label and value in cells", "Name:\tHolzapfel, Wiebke\nFirma:\tHolzapfel Gartenbau\n",
             "Vorname=Wiebke | Nachname=Holzapfel | Kontakt=Wiebke Holzapfel | "
             "Firma=Holzapfel Gartenbau");
