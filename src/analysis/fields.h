@@ -86,6 +86,13 @@ constexpr const StandardField* standardField(qint32 id)
     return nullptr;
 }
 
+// A field as a contact book defines it: its id and its label ("" when it has none).
+struct BookField {
+    qint32 id = 0;
+    QString label;
+    friend bool operator==(const BookField&, const BookField&) = default;
+};
+
 inline QString fieldName(const StandardField& field)
 {
     return QString::fromUtf16(field.name.data(), qsizetype(field.name.size()));

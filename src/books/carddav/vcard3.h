@@ -3,6 +3,7 @@
 // A vCard (3.0 when we write it) kept as its content lines, so that a card written by another
 // program comes back byte for byte except for the lines we change.
 
+#include "analysis/fields.h"
 #include "books/vcard/vcardtext.h"
 
 #include <QByteArray>
@@ -24,11 +25,7 @@ struct FieldValue {
     friend bool operator==(const FieldValue&, const FieldValue&) = default;
 };
 
-struct BookField {
-    qint32 id = 0;
-    QString label; // "" when the field has none
-    friend bool operator==(const BookField&, const BookField&) = default;
-};
+using zf::BookField;
 
 // Text value escapes (backslash, comma, semicolon, line break). Line breaks of any kind become
 // "\n"; other control characters are dropped (a tab becomes a space), so no value can start a

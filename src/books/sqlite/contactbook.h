@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/fields.h"
 #include "duplicates/lookup.h"
 
 #include <QDateTime>
@@ -28,11 +29,7 @@ private:
     Kind m_kind;
 };
 
-struct BookField {
-    qint32 id = 0;
-    QString label;
-    friend bool operator==(const BookField&, const BookField&) = default;
-};
+using zf::BookField;
 
 struct BookValue {
     qint32 fieldId = 0;
