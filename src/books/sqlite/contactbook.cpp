@@ -484,14 +484,17 @@ void ContactBook::useWal()
         if (mode.step() && mode.text(0) == u"wal"_s)
             return;
     }
-    // The switch needs the book to itself and answers the old mode, without waiting, while
-    // another program reads it (as at first use by several at once): ask again until the
+    // The switch needs the book to itself. While another program reads it (as at first use by
+    // several at once) it answers the old mode or "busy", without waiting: ask again until the
     // busy timeout has passed.
     for (int waited = 0;; waited += WalRetryMs) {
-        {
+        try {
             Statement mode(*this, "PRAGMA journal_mode=WAL");
             if (mode.step() && mode.text(0) == u"wal"_s)
                 return;
+        } catch (const BookError& e) {
+            if (e.kind() != BookError::Busy)
+                throw;
         }
         if (waited >= BusyTimeoutMs)
             throw BookError(BookError::Busy,
