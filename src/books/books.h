@@ -6,6 +6,7 @@
 #include "act/automation.h"
 #include "analysis/session.h"
 #include "credentials/credentials.h"
+#include "duplicates/directory.h"
 
 #include <QString>
 
@@ -35,5 +36,15 @@ BookLocation bookLocation(const QString& explicitLocation, const SharedState& se
 std::shared_ptr<act::ObjectFactory>
 makeBookFactory(const BookLocation& location,
                 std::shared_ptr<credentials::Credentials> credentials);
+
+// A book opened for the window or a command: its automation objects and its directory, which
+// share what this program chose as the current contact.
+struct OpenedBook {
+    std::shared_ptr<act::ObjectFactory> objects;
+    std::shared_ptr<dup::ContactDirectory> directory;
+};
+
+OpenedBook openBook(const BookLocation& location,
+                    std::shared_ptr<credentials::Credentials> credentials);
 
 } // namespace zf::books
