@@ -361,21 +361,6 @@ struct LinkTransfer {
     }
 };
 
-// The person the transfer would file, from the rows as it writes them (a later row of the
-// same field wins).
-dup::Identity identityOfRows(const FieldRows& rows)
-{
-    dup::FieldValues values;
-    for (int row = 0; row < FieldRows::RowCount; ++row) {
-        const std::optional<qint32> id = rows.fieldId(row);
-        if (!id)
-            continue;
-        values.removeIf([&](const auto& v) { return v.first == *id; });
-        values.append({*id, rows.value(row)});
-    }
-    return dup::identityOf(values);
-}
-
 // Looks the new contact up before anything is written, so that a refused duplicate leaves the
 // book as it was. Returns the exit status when the transfer ends here. With
 // --update-duplicate and one match, that contact becomes the current one and the transfer an
@@ -384,7 +369,7 @@ std::optional<int> checkDuplicates(bool& create, const AnalyseRun& run, OnDuplic
                                    dup::DuplicateLookup& lookup, QList<dup::Match>& duplicates,
                                    const std::function<void(const QString&)>& makeCurrent)
 {
-    const dup::Identity identity = identityOfRows(run.session.rows);
+    const dup::Identity identity = dup::identityOfRows(run.session.rows);
     if (!create || onDuplicate == OnDuplicate::Allow || identity.isEmpty() ||
         Trim(run.session.clipText).isEmpty())
         return std::nullopt;

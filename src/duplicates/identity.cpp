@@ -118,4 +118,17 @@ std::optional<Reason> sameContact(const Identity& a, const Identity& b)
     return std::nullopt;
 }
 
+Identity identityOfRows(const FieldRows& rows)
+{
+    FieldValues values;
+    for (int row = 0; row < FieldRows::RowCount; ++row) {
+        const std::optional<qint32> id = rows.fieldId(row);
+        if (!id)
+            continue;
+        values.removeIf([&](const auto& v) { return v.first == *id; });
+        values.append({*id, rows.value(row)});
+    }
+    return identityOf(values);
+}
+
 } // namespace zf::dup

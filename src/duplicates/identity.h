@@ -4,6 +4,8 @@
 // same company when both name one), or the same mobile number. Switchboard and fax numbers
 // are shared by colleagues, so they never make a match.
 
+#include "analysis/fieldrows.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -26,6 +28,9 @@ struct Identity {
 };
 
 Identity identityOf(const FieldValues& values);
+
+// The person a transfer of these rows would file (a later row of the same field wins).
+Identity identityOfRows(const FieldRows& rows);
 
 enum class Reason { EMail, Name, Mobile };
 
