@@ -218,8 +218,16 @@ Loaded load(const QString& fileName)
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return {Status::Unusable, nullptr};
-    // The file may have grown since its status was taken.
-    QByteArray data = file.read(MaxFileSize + 1);
+    // The file may have grown since its status was taken. Read in pieces: asking for the
+    // limit at once allocates all of it on every read of a key.
+    QByteArray data;
+    data.reserve(qsizetype(stamp->size));
+    while (data.size() <= MaxFileSize) {
+        const QByteArray piece = file.read(qMin<qint64>(64 * 1024, MaxFileSize + 1 - data.size()));
+        if (piece.isEmpty())
+            break;
+        data += piece;
+    }
     if (file.error() != QFileDevice::NoError || data.size() > MaxFileSize)
         return {Status::Unusable, nullptr};
     if (samePath && c.doc->data == data) {
