@@ -237,7 +237,7 @@ bool IsPoBox(QStringView text)
                                    u"p.o. box"_s,        u"po box"_s,        u"p. o. box"_s,
                                    u"p.o.box"_s,         u"postbus"_s,       u"case postale"_s,
                                    u"casella postale"_s, u"boîte postale"_s, u"bp"_s};
-    const QString lower = text.toString().toLower();
+    const QString lower = lowered(text);
     for (const QString& h : heads) {
         if (!startsWithWord(lower, h))
             continue;
@@ -263,7 +263,7 @@ bool IsAddressExtra(QStringView text)
     static const QSet<QString> branches{
         u"niederlassung"_s, u"zweigniederlassung"_s, u"filiale"_s,    u"zweigstelle"_s,
         u"außenstelle"_s,   u"geschäftsstelle"_s,    u"succursale"_s, u"branch"_s};
-    const QString lower = text.toString().toLower();
+    const QString lower = lowered(text);
     if (lower.startsWith(u"c/o"_s))
         return true;
     const QList<QStringView> w = Words(lower);
@@ -279,7 +279,7 @@ bool IsAddressExtra(QStringView text)
 
 QString CountryName(QStringView text)
 {
-    const QString lower = stripTrailing(text.trimmed(), u".").toLower();
+    const QString lower = lowered(chopTrailing(text.trimmed(), u"."));
     return knowledge().countries.value(lower);
 }
 

@@ -1,4 +1,5 @@
 #include "engine.h"
+#include "wordbits.h"
 
 using namespace Qt::StringLiterals;
 
@@ -427,7 +428,7 @@ bool Analysis::classifyOne(Line& l)
     if (t.endsWith(u':'))
         return is(Kind::Noise, u"Überschrift mit Doppelpunkt"_s);
     // "Ihr Ansprechpartner" over the name, without a colon.
-    if (const Label* label = knowledge().label(t.toLower());
+    if (const Label* label = knowledge().label(lowered(t));
         label && label->kind == LabelKind::Contact && Words(t).size() >= 2) {
         l.kind = Kind::LabelOnly;
         l.labelled = true;

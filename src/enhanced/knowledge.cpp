@@ -157,7 +157,8 @@ bool WordList::has(QStringView lowerWord) const
     if (words.contains(lowerWord.toString()))
         return true;
     for (const QString& e : endings)
-        if (lowerWord.size() > e.size() && lowerWord.endsWith(e))
+        if (lowerWord.size() > e.size() && (e.isEmpty() || lowerWord.back() == e.back()) &&
+            lowerWord.endsWith(e))
             return true;
     return false;
 }
@@ -167,8 +168,10 @@ const Label* Knowledge::label(const QString& lowerLabel) const
     const auto it = labels.constFind(lowerLabel);
     if (it != labels.cend())
         return &*it;
+    // The first letter rules out nearly every prefix without a call.
     for (const auto& [prefix, label] : labelPrefixes)
-        if (lowerLabel.startsWith(prefix))
+        if (prefix.isEmpty() || (!lowerLabel.isEmpty() && lowerLabel.front() == prefix.front() &&
+                                 lowerLabel.startsWith(prefix)))
             return &label;
     return nullptr;
 }

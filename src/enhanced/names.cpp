@@ -119,7 +119,7 @@ bool IsJobLine(QStringView text)
 
 bool IsKnownGivenName(QStringView word)
 {
-    const QString lower = word.toString().toLower();
+    const QString lower = lowered(word);
     if (knowledge().givenNames.contains(lower))
         return true;
     // "Kai-Uwe", "Hans-Peter"
@@ -183,7 +183,7 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     // A comma inside ("Meier, Hans") or behind the first word turns the order.
     for (qsizetype j = 0; j < names.size(); ++j) {
         const QString& n = names[j];
-        const QString lower = n.toLower();
+        const QString lower = lowered(n);
         const bool particle = j > 0 && j + 1 < names.size() && isParticle(lower);
         const bool initial = j > 0 && j + 1 < names.size() && isInitial(n);
         if (!particle && !initial && !isNameWord(n))
@@ -196,11 +196,11 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
             k.salutations.contains(lower) || k.noiseWords.contains(lower))
             return std::nullopt;
     }
-    if (isParticle(names.back().toLower()) || isInitial(names.back()))
+    if (isParticle(lowered(names.back())) || isInitial(names.back()))
         return std::nullopt;
     qsizetype first = 1;
     if (names.size() >= 3 && IsKnownGivenName(names[1]) && !isInitial(names[1]) &&
-        !isParticle(names[1].toLower()))
+        !isParticle(lowered(names[1])))
         first = 2;
     QStringList given;
     for (qsizetype j = 0; j < first; ++j)

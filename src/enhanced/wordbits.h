@@ -42,6 +42,13 @@ inline QString mendedNumber(QStringView word)
     return out;
 }
 
+inline QStringView chopTrailing(QStringView w, QStringView chars)
+{
+    while (!w.isEmpty() && chars.contains(w.back()))
+        w.chop(1);
+    return w;
+}
+
 inline QString stripTrailing(QStringView w, QStringView chars)
 {
     while (!w.isEmpty() && chars.contains(w.back()))
@@ -49,8 +56,29 @@ inline QString stripTrailing(QStringView w, QStringView chars)
     return w.toString();
 }
 
+// QString::toLower() with the Latin-1 letters (nearly every address line) mapped directly;
+// anything beyond goes through Qt's tables, so the result is the same.
+inline QString lowered(QStringView text)
+{
+    if (text.isEmpty())
+        return text.toString().toLower();
+    QString out(text.size(), Qt::Uninitialized);
+    QChar* to = out.data();
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        if (c >= 0x100)
+            return text.toString().toLower();
+        const bool upper = (c >= u'A' && c <= u'Z') || (c >= 0xc0 && c <= 0xde && c != 0xd7);
+        to[i] = QChar(upper ? char16_t(c + 0x20) : c);
+    }
+    return out;
+}
+
 inline bool startsWithWord(const QString& lower, const QString& word)
 {
+    // Most candidates differ in the first letter; that is decided without a call.
+    if (!word.isEmpty() && (lower.isEmpty() || lower.front() != word.front()))
+        return false;
     if (!lower.startsWith(word))
         return false;
     if (lower.size() == word.size())
