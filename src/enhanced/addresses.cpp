@@ -114,7 +114,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
             city = city.left(comma).trimmed();
         }
     }
-    if (Words(city).size() > 5)
+    if (WordCount(city) > 5)
         return std::nullopt;
     Place p;
     p.plz = plz;

@@ -40,6 +40,7 @@ struct PhoneNumber {
 
 // Blank-separated words.
 QList<QStringView> Words(QStringView text);
+qsizetype WordCount(QStringView text);
 // Lower-cased, without trailing , ; : characters.
 QString Bare(QStringView word);
 bool IsAllCaps(QStringView text);

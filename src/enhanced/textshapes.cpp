@@ -40,11 +40,8 @@ std::optional<Label> combinedPhoneLabel(const QString& lowerLabel)
 QList<QStringView> Words(QStringView text)
 {
     // Counted first: one allocation instead of a growing list.
-    qsizetype count = 0;
-    for (qsizetype i = 0; i < text.size(); ++i)
-        count += text[i] != u' ' && (i == 0 || text[i - 1] == u' ');
     QList<QStringView> out;
-    out.reserve(count);
+    out.reserve(WordCount(text));
     qsizetype start = -1;
     for (qsizetype i = 0; i <= text.size(); ++i) {
         const bool blank = i == text.size() || text[i] == u' ';
@@ -56,6 +53,14 @@ QList<QStringView> Words(QStringView text)
         }
     }
     return out;
+}
+
+qsizetype WordCount(QStringView text)
+{
+    qsizetype count = 0;
+    for (qsizetype i = 0; i < text.size(); ++i)
+        count += text[i] != u' ' && (i == 0 || text[i - 1] == u' ');
+    return count;
 }
 
 QString Bare(QStringView word)
@@ -118,7 +123,7 @@ bool IsOpening(QStringView text)
     const QString lower = lowered(text);
     for (const QString& o : k.openings)
         if (startsWithWord(lower, o))
-            return lower.endsWith(u',') || lower.endsWith(u'!') || Words(lower).size() <= 4;
+            return lower.endsWith(u',') || lower.endsWith(u'!') || WordCount(lower) <= 4;
     return false;
 }
 
@@ -205,7 +210,7 @@ std::optional<LabelHit> ParseLabel(QStringView text)
         const bool ordinal = name.size() > 3 && isDigit(name[0]) && name[1] == u'.' &&
                              name[2] == u' ' && CountDigitsIn(name) == 1;
         if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal) && !name.contains(u'@') &&
-            Words(name).size() <= 6) {
+            WordCount(name) <= 6) {
             LabelHit hit;
             hit.name = name.toString();
             hit.rest = text.mid(colon + 1).trimmed().toString();
@@ -221,9 +226,21 @@ std::optional<LabelHit> ParseLabel(QStringView text)
         }
     }
     // Phone, mail and web labels also stand without a colon: "Tel. 0711 1234", "Fax 0711".
+    // Most lines fail on the first word; the line is split only behind a label.
+    {
+        qsizetype from = 0;
+        while (from < text.size() && text[from] == u' ')
+            ++from;
+        qsizetype to = from;
+        while (to < text.size() && text[to] != u' ')
+            ++to;
+        qsizetype next = to;
+        while (next < text.size() && text[next] == u' ')
+            ++next;
+        if (next == text.size() || !k.label(lowered(text.mid(from, to - from))))
+            return std::nullopt;
+    }
     const QList<QStringView> words = Words(text);
-    if (words.size() < 2 || !k.label(lowered(words[0])))
-        return std::nullopt;
     for (qsizetype n = std::min<qsizetype>(3, words.size() - 1); n >= 1; --n) {
         const QString lower = lowered(joined(words, 0, n));
         std::optional<Label> label;
