@@ -63,8 +63,8 @@ QString withoutMarkup(QString s)
     if (s.size() > 2 && s.front() == u'<' && s.back() == u'>' && !s.mid(1).contains(u'<'))
         s = s.mid(1, s.size() - 2);
     // "[Text](https://host)": the text and the address become two pieces.
-    const qsizetype open = s.indexOf(u"]("_s);
-    if (s.startsWith(u'[') && open > 0 && s.endsWith(u')'))
+    const qsizetype open = s.startsWith(u'[') && s.endsWith(u')') ? s.indexOf(u"]("_s) : -1;
+    if (open > 0)
         s = s.mid(1, open - 1) + u'\t' + s.mid(open + 2, s.size() - open - 3);
     return s.trimmed();
 }
@@ -75,12 +75,34 @@ void Analysis::cut(const QString& text, const QString& separator)
     static const QString headEnd = u" schließen"_s;
     QString whole = text;
     whole.replace(u"\r\n"_s, separator);
-    const QStringList pieces = whole.split(separator, Qt::KeepEmptyParts);
+    // Views into the text instead of a list of copies; an empty separator is left to Qt,
+    // which splits it its own way.
+    QStringList parts;
+    QList<QStringView> pieces;
+    if (separator.isEmpty()) {
+        parts = whole.split(separator, Qt::KeepEmptyParts);
+        for (const QString& p : std::as_const(parts))
+            pieces.append(p);
+    } else {
+        const QStringView all(whole);
+        const QChar first = separator.front();
+        qsizetype from = 0;
+        for (qsizetype i = 0; i + separator.size() <= all.size();) {
+            if (all[i] == first && all.mid(i, separator.size()) == separator) {
+                pieces.append(all.mid(from, i - from));
+                i += separator.size();
+                from = i;
+            } else {
+                ++i;
+            }
+        }
+        pieces.append(all.mid(from));
+    }
     m_raw.reserve(pieces.size());
     int source = 0;
     int block = 0;
     bool lastBlank = true;
-    for (const QString& piece : pieces) {
+    for (QStringView piece : std::as_const(pieces)) {
         // Stray line breaks inside a piece still end a line.
         qsizetype from = 0;
         for (qsizetype i = 0; i <= piece.size(); ++i) {

@@ -222,9 +222,16 @@ QStringView WithoutProxyMark(QStringView text)
 {
     static const QStringList marks{u"i. A. "_s, u"i.A. "_s, u"i. V. "_s, u"i.V. "_s,
                                    u"ppa. "_s,  u"pp. "_s,  u"p.p. "_s,  u"i. Auftr. "_s};
-    for (const QString& m : marks)
+    // An ASCII first letter that differs from a mark's in more than case rules the mark out
+    // without the case-blind compare.
+    const char16_t c = text.isEmpty() ? 0 : text.front().unicode();
+    for (const QString& m : marks) {
+        const char16_t f = m.front().unicode();
+        if (c < 0x80 && f < 0x80 && (c | 0x20) != (f | 0x20))
+            continue;
         if (text.startsWith(m, Qt::CaseInsensitive))
             return text.mid(m.size()).trimmed();
+    }
     return {};
 }
 

@@ -165,7 +165,10 @@ QString FindWebHost(QStringView text, bool bare)
     for (QStringView w : Words(text)) {
         QStringView host = w;
         bool marked = false;
+        // Without a colon no scheme can match; the case-blind search is not needed then.
         for (const QString& scheme : {u"https://"_s, u"http://"_s}) {
+            if (!w.contains(u':'))
+                break;
             const qsizetype at = w.indexOf(scheme, 0, Qt::CaseInsensitive);
             if (at >= 0) {
                 host = w.mid(at + scheme.size());

@@ -110,7 +110,7 @@ bool IsClosing(QStringView text)
     if (k.closings.contains(lower))
         return true;
     for (const QString& stem : k.closingStems)
-        if (lower.contains(stem))
+        if (containsText(lower, stem))
             return true;
     return false;
 }

@@ -42,18 +42,24 @@ inline QString mendedNumber(QStringView word)
     return out;
 }
 
+inline bool oneOf(QChar c, QStringView chars)
+{
+    for (QChar x : chars)
+        if (x == c)
+            return true;
+    return false;
+}
+
 inline QStringView chopTrailing(QStringView w, QStringView chars)
 {
-    while (!w.isEmpty() && chars.contains(w.back()))
+    while (!w.isEmpty() && oneOf(w.back(), chars))
         w.chop(1);
     return w;
 }
 
 inline QString stripTrailing(QStringView w, QStringView chars)
 {
-    while (!w.isEmpty() && chars.contains(w.back()))
-        w.chop(1);
-    return w.toString();
+    return chopTrailing(w, chars).toString();
 }
 
 // QString::toLower() with the Latin-1 letters (nearly every address line) mapped directly;
@@ -72,6 +78,19 @@ inline QString lowered(QStringView text)
         to[i] = QChar(upper ? char16_t(c + 0x20) : c);
     }
     return out;
+}
+
+// QString::contains for the short lines and words compared here: a plain scan costs less
+// than the setup of Qt's general search.
+inline bool containsText(QStringView text, QStringView part)
+{
+    if (part.isEmpty())
+        return text.contains(part);
+    const QChar first = part.front();
+    for (qsizetype i = 0; i + part.size() <= text.size(); ++i)
+        if (text[i] == first && text.mid(i, part.size()) == part)
+            return true;
+    return false;
 }
 
 inline bool startsWithWord(const QString& lower, const QString& word)
