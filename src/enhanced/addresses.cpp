@@ -11,7 +11,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
     QString t = text.toString();
     // "CH - 9000" and "D -12345": the prefix joined to its number.
     {
-        const QList<QStringView> w = Words(t);
+        const WordViews w = Words(t);
         if (w.size() >= 3 && (w[1] == u"-"_s || w[1] == u"–"_s) &&
             k.postalPrefixes.contains(w[0].toString().toUpper()))
             t = w[0].toString() + u'-' + t.mid(w[2].data() - t.constData());
@@ -19,7 +19,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
                  k.postalPrefixes.contains(w[0].chopped(1).toString().toUpper()))
             t = w[0].toString() + t.mid(w[1].data() - t.constData());
     }
-    const QList<QStringView> w = Words(t);
+    const WordViews w = Words(t);
     if (w.isEmpty())
         return std::nullopt;
 
@@ -102,7 +102,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
     if (CountDigitsIn(city) > 0)
         return std::nullopt;
     // "1200 Market Street" is a street with its number in front.
-    const QList<QStringView> cityWords = Words(city);
+    const WordViews cityWords = Words(city);
     for (qsizetype i = 1; i < cityWords.size(); ++i) // "St. Gallen" is a saint's town
         if (k.streetWords.words.contains(Bare(cityWords[i])))
             return std::nullopt;
@@ -126,7 +126,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
 
 std::optional<Place> ParsePostcodeOnly(QStringView text)
 {
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.size() != 1)
         return std::nullopt;
     QString code = w[0].toString();
@@ -148,7 +148,7 @@ std::optional<Place> ParsePostcodeOnly(QStringView text)
 int StreetStrength(QStringView text, QString* value)
 {
     const Knowledge& k = knowledge();
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.size() < 2 || w.size() > 8)
         return 0;
     const auto houseNumber = [](QStringView s, QString* mended) {
@@ -266,7 +266,7 @@ bool IsAddressExtra(QStringView text)
     const QString lower = lowered(text);
     if (lower.startsWith(u"c/o"_s))
         return true;
-    const QList<QStringView> w = Words(lower);
+    const WordViews w = Words(lower);
     if (w.size() > 6)
         return false;
     if (w.size() >= 2 && w.size() <= 4 && branches.contains(Bare(w[0])))

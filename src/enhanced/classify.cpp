@@ -110,7 +110,7 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
     }
     // Two labelled numbers on one line: "Tel. 0711 123 Fax 0711 124".
     if (depth < 3) {
-        const QList<QStringView> w = Words(line.text);
+        const WordViews w = Words(line.text);
         for (qsizetype i = 2; i < w.size(); ++i) {
             if (!w[i - 1].back().isDigit())
                 continue;
@@ -365,7 +365,7 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
             l.kind = Kind::PostcodeCity;
             l.place = *pc;
         } else {
-            const QList<QStringView> w = Words(value);
+            const WordViews w = Words(value);
             l.kind = Kind::PostcodeCity;
             l.place.plz = w.isEmpty() ? QString() : w[0].toString();
             l.place.ort = w.size() > 1
@@ -431,7 +431,7 @@ bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
     }
     if (t.endsWith(u':'))
         return is(Kind::Noise, u"Überschrift mit Doppelpunkt"_s);
-    const QList<QStringView> tw = Words(t);
+    const WordViews tw = Words(t);
     // "Ihr Ansprechpartner" over the name, without a colon.
     if (const Label* label = knowledge().label(lowered(t));
         label && label->kind == LabelKind::Contact && tw.size() >= 2) {

@@ -78,7 +78,7 @@ bool HasLegalForm(QStringView text)
 bool IsCompanyWordLine(QStringView text)
 {
     const Knowledge& k = knowledge();
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.size() < 2)
         return false;
     for (QStringView word : w) {
@@ -92,7 +92,7 @@ bool IsCompanyWordLine(QStringView text)
 bool IsDepartmentLine(QStringView text)
 {
     const Knowledge& k = knowledge();
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.size() == 1) {
         // A compound on its own ("Bauamt", "Personalabteilung"), unless it names an authority.
         const QString bare = Bare(w[0]);
@@ -106,7 +106,7 @@ bool IsDepartmentLine(QStringView text)
 bool IsJobLine(QStringView text)
 {
     const Knowledge& k = knowledge();
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.isEmpty() || w.size() > 8)
         return false;
     for (QStringView word : w) {
@@ -131,7 +131,7 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
 {
     const Knowledge& k = knowledge();
     const bool caps = IsAllCaps(text);
-    QList<QStringView> w = Words(text);
+    WordViews w = Words(text);
     PersonName p;
     qsizetype i = 0;
     // "Ihr", "Ihre", "i. A."
@@ -237,7 +237,7 @@ QStringView WithoutProxyMark(QStringView text)
 
 QString SalutationOnly(QStringView text)
 {
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.size() != 1)
         return {};
     const auto it = knowledge().salutations.constFind(Bare(w[0]));
@@ -247,7 +247,7 @@ QString SalutationOnly(QStringView text)
 QString DegreeOnly(QStringView text)
 {
     const bool caps = IsAllCaps(text);
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.isEmpty() || w.size() > 4 || !isDegree(w[0], caps))
         return {};
     for (qsizetype i = 1; i < w.size(); ++i)

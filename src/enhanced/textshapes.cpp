@@ -37,11 +37,9 @@ std::optional<Label> combinedPhoneLabel(const QString& lowerLabel)
 
 } // namespace
 
-QList<QStringView> Words(QStringView text)
+WordViews Words(QStringView text)
 {
-    // Counted first: one allocation instead of a growing list.
-    QList<QStringView> out;
-    out.reserve(WordCount(text));
+    WordViews out;
     qsizetype start = -1;
     for (qsizetype i = 0; i <= text.size(); ++i) {
         const bool blank = i == text.size() || text[i] == u' ';
@@ -240,7 +238,7 @@ std::optional<LabelHit> ParseLabel(QStringView text)
         if (next == text.size() || !k.label(lowered(text.mid(from, to - from))))
             return std::nullopt;
     }
-    const QList<QStringView> words = Words(text);
+    const WordViews words = Words(text);
     for (qsizetype n = std::min<qsizetype>(3, words.size() - 1); n >= 1; --n) {
         const QString lower = lowered(joined(words, 0, n));
         std::optional<Label> label;

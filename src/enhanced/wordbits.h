@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 #include <QStringView>
+#include <QVarLengthArray>
 
 namespace zf::enhanced {
 
@@ -105,7 +106,7 @@ inline bool startsWithWord(const QString& lower, const QString& word)
     const QChar next = lower[word.size()];
     return !next.isLetterOrNumber();
 }
-inline QString joined(const QList<QStringView>& words, qsizetype from, qsizetype to)
+inline QString joined(const QVarLengthArray<QStringView, 16>& words, qsizetype from, qsizetype to)
 {
     QString out;
     for (qsizetype i = from; i < to; ++i) {
