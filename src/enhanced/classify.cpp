@@ -433,7 +433,7 @@ bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
         return is(Kind::Noise, u"Überschrift mit Doppelpunkt"_s);
     const WordViews tw = Words(t);
     // "Ihr Ansprechpartner" over the name, without a colon.
-    if (const Label* label = knowledge().label(lowered(t));
+    if (const Label* label = knowledge().label(LowerKey(t).str());
         label && label->kind == LabelKind::Contact && tw.size() >= 2) {
         l.kind = Kind::LabelOnly;
         l.labelled = true;
@@ -482,8 +482,8 @@ bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
         DegreeOnly(tw.front()).isEmpty())
         return is(Kind::Prose, u"beginnt klein: Satz"_s);
     const int words = int(tw.size());
-    const bool firmFirst =
-        knowledge().companyWords.has(Bare(tw.front())) && t[0].isUpper() && !t.endsWith(u'.');
+    const bool firmFirst = knowledge().companyWords.has(BareKey(tw.front()).str()) &&
+                           t[0].isUpper() && !t.endsWith(u'.');
     if (words > 9 && !(firmFirst && words <= 14))
         return is(Kind::Prose, u"mehr als neun Wörter: Satz"_s);
     if (HasLegalForm(t)) {
@@ -500,7 +500,7 @@ bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
     }
     if (const QString s = SalutationOnly(t); !s.isEmpty()) {
         l.value = s;
-        l.person.addressee = knowledge().salutations.value(Bare(t)).addressee;
+        l.person.addressee = knowledge().salutations.value(BareKey(t).str()).addressee;
         return is(Kind::Salutation, u"Anrede allein"_s);
     }
     if (const QString d = DegreeOnly(t); !d.isEmpty()) {

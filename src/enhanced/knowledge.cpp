@@ -154,7 +154,8 @@ Knowledge load()
 
 bool WordList::has(QStringView lowerWord) const
 {
-    if (words.contains(lowerWord.toString()))
+    // A look-up key over the view's characters, without a copy.
+    if (words.contains(QString::fromRawData(lowerWord.data(), lowerWord.size())))
         return true;
     for (const QString& e : endings)
         if (lowerWord.size() > e.size() && (e.isEmpty() || lowerWord.back() == e.back()) &&

@@ -35,14 +35,14 @@ bool isNameWord(QStringView w)
 bool isDegree(QStringView w, bool allCaps)
 {
     const Knowledge& k = knowledge();
-    const QString s = w.toString();
+    const QString s = keyOf(w);
     return k.degrees.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper()));
 }
 
 bool isDegreeFollow(QStringView w, bool allCaps)
 {
     const Knowledge& k = knowledge();
-    const QString s = w.toString();
+    const QString s = keyOf(w);
     return k.degreeFollows.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper()));
 }
 
@@ -82,7 +82,8 @@ bool IsCompanyWordLine(QStringView text)
     if (w.size() < 2)
         return false;
     for (QStringView word : w) {
-        const QString bare = Bare(word);
+        const BareKey bareKey(word);
+        const QString& bare = bareKey.str();
         if (word[0].isUpper() && k.companyWords.has(bare))
             return true;
     }
@@ -95,11 +96,12 @@ bool IsDepartmentLine(QStringView text)
     const WordViews w = Words(text);
     if (w.size() == 1) {
         // A compound on its own ("Bauamt", "Personalabteilung"), unless it names an authority.
-        const QString bare = Bare(w[0]);
+        const BareKey bareKey(w[0]);
+        const QString& bare = bareKey.str();
         return w[0][0].isUpper() && !k.departmentWords.words.contains(bare) &&
                k.departmentWords.has(bare) && !k.companyWords.words.contains(bare);
     }
-    return k.departmentWords.words.contains(Bare(w[0])) ||
+    return k.departmentWords.words.contains(BareKey(w[0]).str()) ||
            k.departmentWords.words.contains(Bare(w[0]) + u' ' + Bare(w[1]));
 }
 
@@ -110,7 +112,8 @@ bool IsJobLine(QStringView text)
     if (w.isEmpty() || w.size() > 8)
         return false;
     for (QStringView word : w) {
-        const QString bare = Bare(word);
+        const BareKey bareKey(word);
+        const QString& bare = bareKey.str();
         if (k.jobWords.has(bare))
             return true;
     }
@@ -119,7 +122,8 @@ bool IsJobLine(QStringView text)
 
 bool IsKnownGivenName(QStringView word)
 {
-    const QString lower = lowered(word);
+    const LowerKey lowerKey(word);
+    const QString& lower = lowerKey.str();
     if (knowledge().givenNames.contains(lower))
         return true;
     // "Kai-Uwe", "Hans-Peter"
@@ -136,15 +140,16 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     qsizetype i = 0;
     // "Ihr", "Ihre", "i. A."
     for (int round = 0; round < 2 && i < w.size(); ++round) {
-        if (i + 1 < w.size() && k.signWords.contains(Bare(joined(w, i, i + 2))))
+        if (i + 1 < w.size() && k.signWords.contains(BareKey(joined(w, i, i + 2)).str()))
             i += 2;
-        else if (k.signWords.contains(Bare(w[i])))
+        else if (k.signWords.contains(BareKey(w[i]).str()))
             ++i;
     }
     QStringList titles;
     bool jobSeen = false;
     while (i < w.size()) {
-        const QString bare = Bare(w[i]);
+        const BareKey bareKey(w[i]);
+        const QString& bare = bareKey.str();
         if (const auto it = k.salutations.constFind(bare); it != k.salutations.cend()) {
             p.anrede = it->german;
             p.addressee = it->addressee;
@@ -183,7 +188,8 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     // A comma inside ("Meier, Hans") or behind the first word turns the order.
     for (qsizetype j = 0; j < names.size(); ++j) {
         const QString& n = names[j];
-        const QString lower = lowered(n);
+        const LowerKey lowerKey(n);
+        const QString& lower = lowerKey.str();
         const bool particle = j > 0 && j + 1 < names.size() && isParticle(lower);
         const bool initial = j > 0 && j + 1 < names.size() && isInitial(n);
         if (!particle && !initial && !isNameWord(n))
@@ -196,11 +202,11 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
             k.salutations.contains(lower) || k.noiseWords.contains(lower))
             return std::nullopt;
     }
-    if (isParticle(lowered(names.back())) || isInitial(names.back()))
+    if (isParticle(LowerKey(names.back()).str()) || isInitial(names.back()))
         return std::nullopt;
     qsizetype first = 1;
     if (names.size() >= 3 && IsKnownGivenName(names[1]) && !isInitial(names[1]) &&
-        !isParticle(lowered(names[1])))
+        !isParticle(LowerKey(names[1]).str()))
         first = 2;
     QStringList given;
     for (qsizetype j = 0; j < first; ++j)
@@ -240,7 +246,7 @@ QString SalutationOnly(QStringView text)
     const WordViews w = Words(text);
     if (w.size() != 1)
         return {};
-    const auto it = knowledge().salutations.constFind(Bare(w[0]));
+    const auto it = knowledge().salutations.constFind(BareKey(w[0]).str());
     return it == knowledge().salutations.cend() ? QString() : it->german;
 }
 

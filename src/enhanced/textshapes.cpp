@@ -104,7 +104,8 @@ bool IsClosing(QStringView text)
     const Knowledge& k = knowledge();
     if (text.size() > 80 || text.count(u' ') > 6 || hasDigitOrAt(text))
         return false;
-    const QString lower = lowered(chopTrailing(text, u" ,.!"));
+    const LowerKey lowerKey(chopTrailing(text, u" ,.!"));
+    const QString& lower = lowerKey.str();
     if (k.closings.contains(lower))
         return true;
     for (const QString& stem : k.closingStems)
@@ -118,7 +119,8 @@ bool IsOpening(QStringView text)
     const Knowledge& k = knowledge();
     if (text.isEmpty() || !text[0].isLetter() || hasDigitOrAt(text))
         return false;
-    const QString lower = lowered(text);
+    const LowerKey lowerKey(text);
+    const QString& lower = lowerKey.str();
     for (const QString& o : k.openings)
         if (startsWithWord(lower, o))
             return lower.endsWith(u',') || lower.endsWith(u'!') || WordCount(lower) <= 4;
@@ -135,7 +137,8 @@ bool IsThreadCut(QStringView text)
     }
     if (!text.endsWith(u':') && !text.contains(u'@'))
         return false;
-    const QString lower = lowered(text);
+    const LowerKey lowerKey(text);
+    const QString& lower = lowerKey.str();
     if ((lower.startsWith(u"von:"_s) || lower.startsWith(u"from:"_s)) && lower.contains(u'@'))
         return true;
     if (lower.endsWith(u':') && (lower.contains(u" schrieb"_s) || lower.contains(u" wrote"_s)))
@@ -174,14 +177,16 @@ bool IsDate(QStringView text)
 bool IsNoise(QStringView text, QString* why)
 {
     const Knowledge& k = knowledge();
-    const QString lower = lowered(text);
+    const LowerKey lowerKey(text);
+    const QString& lower = lowerKey.str();
     for (const QString& p : k.noisePhrases)
         if (lower.startsWith(p)) {
             *why = u"Hinweis \"%1\""_s.arg(p);
             return true;
         }
     for (QStringView w : Words(lower)) {
-        const QString bare = Bare(w);
+        const BareKey bareKey(w);
+        const QString& bare = bareKey.str();
         if (k.noiseWords.contains(bare) || k.noiseWords.contains(stripTrailing(bare, u"."))) {
             *why = u"Wort \"%1\""_s.arg(bare);
             return true;
@@ -212,7 +217,8 @@ std::optional<LabelHit> ParseLabel(QStringView text)
             LabelHit hit;
             hit.name = name.toString();
             hit.rest = text.mid(colon + 1).trimmed().toString();
-            const QString lower = lowered(hit.name);
+            const LowerKey lowerKey(hit.name);
+            const QString& lower = lowerKey.str();
             if (const Label* l = k.label(lower)) {
                 hit.known = true;
                 hit.label = *l;
@@ -235,12 +241,13 @@ std::optional<LabelHit> ParseLabel(QStringView text)
         qsizetype next = to;
         while (next < text.size() && text[next] == u' ')
             ++next;
-        if (next == text.size() || !k.label(lowered(text.mid(from, to - from))))
+        if (next == text.size() || !k.label(LowerKey(text.mid(from, to - from)).str()))
             return std::nullopt;
     }
     const WordViews words = Words(text);
     for (qsizetype n = std::min<qsizetype>(3, words.size() - 1); n >= 1; --n) {
-        const QString lower = lowered(joined(words, 0, n));
+        const LowerKey lowerKey(joined(words, 0, n));
+        const QString& lower = lowerKey.str();
         std::optional<Label> label;
         if (const Label* l = k.label(lower))
             label = *l;

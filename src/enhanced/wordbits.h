@@ -94,6 +94,50 @@ inline bool containsText(QStringView text, QStringView part)
     return false;
 }
 
+// A QString over a view's characters, for one look-up in a hash: no copy is made, so it
+// must not outlive the characters.
+inline QString keyOf(QStringView text)
+{
+    return QString::fromRawData(text.data(), text.size());
+}
+
+// lowered() for a look-up or a comparison: short words are lower-cased into a buffer on the
+// stack, so most look-ups allocate nothing. str() lives as long as the key.
+class LowerKey {
+public:
+    explicit LowerKey(QStringView text)
+    {
+        if (text.isEmpty() || text.size() > Capacity) {
+            m_key = lowered(text);
+            return;
+        }
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            const char16_t c = text[i].unicode();
+            if (c >= 0x100) {
+                m_key = lowered(text);
+                return;
+            }
+            const bool upper = (c >= u'A' && c <= u'Z') || (c >= 0xc0 && c <= 0xde && c != 0xd7);
+            m_buffer[i] = QChar(upper ? char16_t(c + 0x20) : c);
+        }
+        m_key = QString::fromRawData(m_buffer, text.size());
+    }
+    LowerKey(const LowerKey&) = delete;
+    LowerKey& operator=(const LowerKey&) = delete;
+    const QString& str() const { return m_key; }
+
+private:
+    static constexpr qsizetype Capacity = 64;
+    QChar m_buffer[Capacity];
+    QString m_key;
+};
+
+// Bare() as a LowerKey.
+class BareKey : public LowerKey {
+public:
+    explicit BareKey(QStringView word) : LowerKey(chopTrailing(word, u",;:")) {}
+};
+
 inline bool startsWithWord(const QString& lower, const QString& word)
 {
     // Most candidates differ in the first letter; that is decided without a call.
