@@ -16,6 +16,14 @@ QString cleaned(QStringView raw)
     bool blank = false;
     for (QChar c : raw) {
         const char16_t u = c.unicode();
+        // Printable ASCII, nearly every character, needs none of the tests below.
+        if (u > 0x20 && u < 0x7f) {
+            if (blank && o != outBegin && o[-1] != u'\t')
+                *o++ = u' ';
+            blank = false;
+            *o++ = c;
+            continue;
+        }
         if (u == u'\t' || u == 0x1f) {
             *o++ = u'\t';
             blank = false;

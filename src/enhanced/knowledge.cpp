@@ -147,6 +147,13 @@ Knowledge load()
     for (const QString& e : entries(u"us_states.txt"_s))
         for (const QString& s : e.split(u' ', Qt::SkipEmptyParts))
             k.usStates.insert(s);
+    for (const QSet<QString>* set : {&k.companyWords.words, &k.jobWords.words, &k.streetWords.words,
+                                     &k.departmentWords.words, &k.noiseWords})
+        k.notNameWords.unite(*set);
+    for (auto it = k.countries.cbegin(); it != k.countries.cend(); ++it)
+        k.notNameWords.insert(it.key());
+    for (auto it = k.salutations.cbegin(); it != k.salutations.cend(); ++it)
+        k.notNameWords.insert(it.key());
     return k;
 }
 

@@ -196,10 +196,7 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
             return std::nullopt;
         if (particle || initial)
             continue;
-        if (k.companyWords.words.contains(lower) || k.jobWords.words.contains(lower) ||
-            k.legalForms.contains(n) || k.streetWords.words.contains(lower) ||
-            k.countries.contains(lower) || k.departmentWords.words.contains(lower) ||
-            k.salutations.contains(lower) || k.noiseWords.contains(lower))
+        if (k.notNameWords.contains(lower) || k.legalForms.contains(n))
             return std::nullopt;
     }
     if (isParticle(LowerKey(names.back()).str()) || isInitial(names.back()))
