@@ -1,4 +1,5 @@
 #include "engine.h"
+#include "wordbits.h"
 
 #include <algorithm>
 
@@ -100,7 +101,8 @@ void Analysis::context()
             bool recipient = false;
             for (int j = blockStart; j < i; ++j) {
                 const Line& l = m_lines[j];
-                const QString lower = l.text.toLower();
+                const LowerKey lowerKey(l.text);
+                const QString& lower = lowerKey.str();
                 if (l.person.addressee || lower.startsWith(u"z. hd"_s) ||
                     lower.startsWith(u"z.hd"_s) || lower.startsWith(u"zu händen"_s) ||
                     lower.startsWith(u"attn"_s) ||
