@@ -11,7 +11,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
     QString t = text.toString();
     // "CH - 9000" and "D -12345": the prefix joined to its number.
     {
-        const QList<QStringView> w = Words(t);
+        const WordViews w = Words(t);
         if (w.size() >= 3 && (w[1] == u"-"_s || w[1] == u"–"_s) &&
             k.postalPrefixes.contains(w[0].toString().toUpper()))
             t = w[0].toString() + u'-' + t.mid(w[2].data() - t.constData());
@@ -19,7 +19,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
                  k.postalPrefixes.contains(w[0].chopped(1).toString().toUpper()))
             t = w[0].toString() + t.mid(w[1].data() - t.constData());
     }
-    const QList<QStringView> w = Words(t);
+    const WordViews w = Words(t);
     if (w.isEmpty())
         return std::nullopt;
 
@@ -29,7 +29,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
         const QStringView state = w[w.size() - 2];
         const bool zipOk = (zip.size() == 5 && CountDigitsIn(zip) == 5) ||
                            (zip.size() == 10 && zip[5] == u'-' && CountDigitsIn(zip) == 9);
-        if (zipOk && k.usStates.contains(state.toString()) && w[w.size() - 3].endsWith(u',')) {
+        if (zipOk && k.usStates.contains(keyOf(state)) && w[w.size() - 3].endsWith(u',')) {
             Place p;
             p.plz = zip.toString();
             p.ort = t.left(zip.data() - t.constData()).trimmed();
@@ -102,9 +102,9 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
     if (CountDigitsIn(city) > 0)
         return std::nullopt;
     // "1200 Market Street" is a street with its number in front.
-    const QList<QStringView> cityWords = Words(city);
+    const WordViews cityWords = Words(city);
     for (qsizetype i = 1; i < cityWords.size(); ++i) // "St. Gallen" is a saint's town
-        if (k.streetWords.words.contains(Bare(cityWords[i])))
+        if (k.streetWords.words.contains(BareKey(cityWords[i]).str()))
             return std::nullopt;
     // "Berlin, Germany"
     if (const qsizetype comma = city.lastIndexOf(u", "_s); comma > 0) {
@@ -114,7 +114,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
             city = city.left(comma).trimmed();
         }
     }
-    if (Words(city).size() > 5)
+    if (WordCount(city) > 5)
         return std::nullopt;
     Place p;
     p.plz = plz;
@@ -126,7 +126,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
 
 std::optional<Place> ParsePostcodeOnly(QStringView text)
 {
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.size() != 1)
         return std::nullopt;
     QString code = w[0].toString();
@@ -148,7 +148,7 @@ std::optional<Place> ParsePostcodeOnly(QStringView text)
 int StreetStrength(QStringView text, QString* value)
 {
     const Knowledge& k = knowledge();
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.size() < 2 || w.size() > 8)
         return 0;
     const auto houseNumber = [](QStringView s, QString* mended) {
@@ -183,12 +183,14 @@ int StreetStrength(QStringView text, QString* value)
         return true;
     };
     const auto streetWord = [&k](QStringView word) {
-        const QString lower = Bare(word);
+        const BareKey lowerKey(word);
+        const QString& lower = lowerKey.str();
         // "Rd," and "Ave" are "Rd." and "Ave." with the dot left out.
         return k.streetWords.has(lower) || k.streetWords.words.contains(lower + u'.');
     };
     for (QStringView word : w) {
-        const QString bare = Bare(word);
+        const BareKey bareKey(word);
+        const QString& bare = bareKey.str();
         if (bare == u"nr."_s || bare == u"nr"_s || bare == u"no."_s || bare == u"tel."_s ||
             bare.contains(u'@'))
             return 0;
@@ -215,7 +217,7 @@ int StreetStrength(QStringView text, QString* value)
             *value = head.toString() + u' ' + number + (suffix.isEmpty() ? u""_s : u' ' + suffix);
             if (word)
                 return 2;
-            if (k.streetLeadWords.contains(Bare(w[0])))
+            if (k.streetLeadWords.contains(BareKey(w[0]).str()))
                 return 2;
             return last <= 4 ? 1 : 0;
         }
@@ -224,7 +226,7 @@ int StreetStrength(QStringView text, QString* value)
     if (houseNumber(stripTrailing(w[0], u","), &number) && w[1][0].isLetter()) {
         bool word = false;
         for (qsizetype i = 1; i < w.size(); ++i)
-            word = word || streetWord(w[i]) || k.streetLeadWords.contains(Bare(w[i]));
+            word = word || streetWord(w[i]) || k.streetLeadWords.contains(BareKey(w[i]).str());
         *value = text.toString();
         return word ? 2 : (w.size() <= 5 ? 1 : 0);
     }
@@ -237,7 +239,8 @@ bool IsPoBox(QStringView text)
                                    u"p.o. box"_s,        u"po box"_s,        u"p. o. box"_s,
                                    u"p.o.box"_s,         u"postbus"_s,       u"case postale"_s,
                                    u"casella postale"_s, u"boîte postale"_s, u"bp"_s};
-    const QString lower = text.toString().toLower();
+    const LowerKey lowerKey(text);
+    const QString& lower = lowerKey.str();
     for (const QString& h : heads) {
         if (!startsWithWord(lower, h))
             continue;
@@ -263,24 +266,24 @@ bool IsAddressExtra(QStringView text)
     static const QSet<QString> branches{
         u"niederlassung"_s, u"zweigniederlassung"_s, u"filiale"_s,    u"zweigstelle"_s,
         u"außenstelle"_s,   u"geschäftsstelle"_s,    u"succursale"_s, u"branch"_s};
-    const QString lower = text.toString().toLower();
+    const LowerKey lowerKey(text);
+    const QString& lower = lowerKey.str();
     if (lower.startsWith(u"c/o"_s))
         return true;
-    const QList<QStringView> w = Words(lower);
+    const WordViews w = Words(lower);
     if (w.size() > 6)
         return false;
-    if (w.size() >= 2 && w.size() <= 4 && branches.contains(Bare(w[0])))
+    if (w.size() >= 2 && w.size() <= 4 && branches.contains(BareKey(w[0]).str()))
         return true;
     for (QStringView word : w)
-        if (words.contains(Bare(word)))
+        if (words.contains(BareKey(word).str()))
             return true;
     return false;
 }
 
 QString CountryName(QStringView text)
 {
-    const QString lower = stripTrailing(text.trimmed(), u".").toLower();
-    return knowledge().countries.value(lower);
+    return knowledge().countries.value(LowerKey(chopTrailing(text.trimmed(), u".")).str());
 }
 
 } // namespace zf::enhanced

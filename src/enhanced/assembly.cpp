@@ -142,7 +142,7 @@ void Analysis::assemble()
             const bool loose =
                 l.kind == Kind::Unknown ||
                 (l.kind == Kind::Person && l.personSource == PersonSource::Evidence && i != person);
-            if (loose && CountDigitsIn(l.text) == 0 && Words(l.text).size() <= 6) {
+            if (loose && CountDigitsIn(l.text) == 0 && WordCount(l.text) <= 6) {
                 company = i;
                 companyText = l.text;
                 m_lines[i].why += u"; über der Anschrift: Firma"_s;

@@ -1,4 +1,5 @@
 #include "engine.h"
+#include "wordbits.h"
 
 using namespace Qt::StringLiterals;
 
@@ -7,11 +8,13 @@ namespace zf::enhanced {
 void Analysis::classifyAll()
 {
     std::optional<std::pair<Label, QString>> pending; // a label on a line of its own
+    // The raw lines are not looked at again: they are moved on, not copied.
+    m_lines.reserve(m_raw.size());
     for (Line& raw : m_raw) {
         if (raw.kind == Kind::Blank || raw.kind == Kind::Heading || raw.skipped) {
-            m_lines.append(raw);
             if (raw.kind == Kind::Heading)
                 pending.reset();
+            m_lines.append(std::move(raw));
             continue;
         }
         if (pending && !ParseLabel(raw.text).has_value()) {
@@ -28,19 +31,19 @@ void Analysis::classifyAll()
                 continue;
             }
             l.why = u"Wert zum Etikett \"%1\" der Zeile davor; "_s.arg(pending->second) + l.why;
-            m_lines.append(l);
+            m_lines.append(std::move(l));
             for (Line& e : extra)
-                m_lines.append(e);
+                m_lines.append(std::move(e));
             pending.reset();
             continue;
         }
         pending.reset();
         QList<Line> out;
-        classifyInto(raw, out, 0);
+        classifyInto(std::move(raw), out, 0);
         for (Line& l : out) {
             if (l.kind == Kind::LabelOnly && l.labelled)
                 pending = std::pair{Label{l.labelKind, l.value}, l.text};
-            m_lines.append(l);
+            m_lines.append(std::move(l));
         }
     }
 }
@@ -96,7 +99,7 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
             classifyInto(p, sub, depth + 1);
             for (Line& s : sub) {
                 placed = placed || (s.kind != Kind::Unknown && s.kind != Kind::Prose);
-                result.append(s);
+                result.append(std::move(s));
             }
         }
         if (placed) {
@@ -107,7 +110,7 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
     }
     // Two labelled numbers on one line: "Tel. 0711 123 Fax 0711 124".
     if (depth < 3) {
-        const QList<QStringView> w = Words(line.text);
+        const WordViews w = Words(line.text);
         for (qsizetype i = 2; i < w.size(); ++i) {
             if (!w[i - 1].back().isDigit())
                 continue;
@@ -124,18 +127,18 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
             return;
         }
     }
-    if (const auto hit = ParseLabel(line.text); hit && hit->known &&
-                                                hit->label.kind == LabelKind::Street &&
-                                                !hit->rest.isEmpty() && !IsThreadCut(line.text)) {
+    const auto hit = ParseLabel(line.text);
+    if (hit && hit->known && hit->label.kind == LabelKind::Street && !hit->rest.isEmpty() &&
+        !IsThreadCut(line.text)) {
         QList<Line> extra;
         Line l = line;
         applyLabel(l, hit->label, hit->rest, &extra, depth);
-        out.append(l);
+        out.append(std::move(l));
         out.append(extra);
         return;
     }
     Line whole = line;
-    classifyOne(whole);
+    classifyOne(whole, &hit);
     // "Marketing Lead, Muster GmbH" and "Eva Roth, Inhaberin": a job beside a firm or name.
     if ((whole.kind == Kind::Job || (whole.kind == Kind::Company && !whole.labelled)) &&
         depth < 3 && line.text.count(u", "_s) == 1) {
@@ -169,7 +172,7 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
             return;
         }
     }
-    out.append(whole);
+    out.append(std::move(whole));
 }
 
 void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QList<Line>* extra,
@@ -236,8 +239,7 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
             // "Meier, Hans" is one person, written surname first.
             if (sep == u", "_s && label.kind != LabelKind::Role) {
                 const QStringList parts = first.split(sep);
-                if (parts.size() == 2 && Words(parts[0]).size() == 1 &&
-                    Words(parts[1]).size() == 1) {
+                if (parts.size() == 2 && WordCount(parts[0]) == 1 && WordCount(parts[1]) == 1) {
                     first = parts[1] + u' ' + parts[0];
                     continue;
                 }
@@ -260,7 +262,7 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
                 label.kind == LabelKind::Role ? PersonSource::Role : PersonSource::Form;
             l.why += label.kind == LabelKind::Role ? u"Person mit Rolle (Impressum)"_s
                                                    : u"Person hinter dem Etikett"_s;
-        } else if (label.kind == LabelKind::Name && Words(first).size() == 1) {
+        } else if (label.kind == LabelKind::Name && WordCount(first) == 1) {
             l.kind = Kind::NamePart;
             l.labelKind = LabelKind::LastName;
             l.value = first;
@@ -363,7 +365,7 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
             l.kind = Kind::PostcodeCity;
             l.place = *pc;
         } else {
-            const QList<QStringView> w = Words(value);
+            const WordViews w = Words(value);
             l.kind = Kind::PostcodeCity;
             l.place.plz = w.isEmpty() ? QString() : w[0].toString();
             l.place.ort = w.size() > 1
@@ -392,7 +394,7 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
     }
 }
 
-bool Analysis::classifyOne(Line& l)
+bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
 {
     const QString& t = l.text;
     QString why;
@@ -407,7 +409,10 @@ bool Analysis::classifyOne(Line& l)
         return is(Kind::Closing, u"Grußformel"_s);
     if (IsOpening(t))
         return is(Kind::Opening, u"Anrede eines Briefs oder einer Mail"_s);
-    if (const auto hit = ParseLabel(t)) {
+    std::optional<LabelHit> parsed;
+    if (!known)
+        parsed = ParseLabel(t);
+    if (const std::optional<LabelHit>& hit = known ? *known : parsed) {
         if (!hit->known)
             return is(Kind::Noise, u"Etikett \"%1\" gehört zu keinem Feld"_s.arg(hit->name));
         if (hit->rest.isEmpty()) {
@@ -426,20 +431,20 @@ bool Analysis::classifyOne(Line& l)
     }
     if (t.endsWith(u':'))
         return is(Kind::Noise, u"Überschrift mit Doppelpunkt"_s);
+    const WordViews tw = Words(t);
     // "Ihr Ansprechpartner" over the name, without a colon.
-    if (const Label* label = knowledge().label(t.toLower());
-        label && label->kind == LabelKind::Contact && Words(t).size() >= 2) {
+    if (const Label* label = knowledge().label(LowerKey(t).str());
+        label && label->kind == LabelKind::Contact && tw.size() >= 2) {
         l.kind = Kind::LabelOnly;
         l.labelled = true;
         l.labelKind = label->kind;
         return is(Kind::LabelOnly, u"Etikett allein, der Wert folgt"_s);
     }
-    if (const QString mail = FindEMail(t); !mail.isEmpty() && Words(t).size() <= 3) {
+    if (const QString mail = FindEMail(t); !mail.isEmpty() && tw.size() <= 3) {
         l.value = mail;
         return is(Kind::Email, u"E-Mail-Adresse"_s);
     }
-    if (const QString host = FindWebHost(t, Words(t).size() == 1);
-        !host.isEmpty() && Words(t).size() <= 3) {
+    if (const QString host = FindWebHost(t, tw.size() == 1); !host.isEmpty() && tw.size() <= 3) {
         l.value = host;
         return is(Kind::Website, u"Webadresse"_s);
     }
@@ -474,11 +479,11 @@ bool Analysis::classifyOne(Line& l)
     }
     // "lic. iur. Anna Meier" starts small and is a name.
     if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s) &&
-        DegreeOnly(Words(t).front()).isEmpty())
+        DegreeOnly(tw.front()).isEmpty())
         return is(Kind::Prose, u"beginnt klein: Satz"_s);
-    const int words = int(Words(t).size());
-    const bool firmFirst =
-        knowledge().companyWords.has(Bare(Words(t).front())) && t[0].isUpper() && !t.endsWith(u'.');
+    const int words = int(tw.size());
+    const bool firmFirst = knowledge().companyWords.has(BareKey(tw.front()).str()) &&
+                           t[0].isUpper() && !t.endsWith(u'.');
     if (words > 9 && !(firmFirst && words <= 14))
         return is(Kind::Prose, u"mehr als neun Wörter: Satz"_s);
     if (HasLegalForm(t)) {
@@ -495,7 +500,7 @@ bool Analysis::classifyOne(Line& l)
     }
     if (const QString s = SalutationOnly(t); !s.isEmpty()) {
         l.value = s;
-        l.person.addressee = knowledge().salutations.value(Bare(t)).addressee;
+        l.person.addressee = knowledge().salutations.value(BareKey(t).str()).addressee;
         return is(Kind::Salutation, u"Anrede allein"_s);
     }
     if (const QString d = DegreeOnly(t); !d.isEmpty()) {

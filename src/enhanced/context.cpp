@@ -1,4 +1,5 @@
 #include "engine.h"
+#include "wordbits.h"
 
 #include <algorithm>
 
@@ -100,7 +101,8 @@ void Analysis::context()
             bool recipient = false;
             for (int j = blockStart; j < i; ++j) {
                 const Line& l = m_lines[j];
-                const QString lower = l.text.toLower();
+                const LowerKey lowerKey(l.text);
+                const QString& lower = lowerKey.str();
                 if (l.person.addressee || lower.startsWith(u"z. hd"_s) ||
                     lower.startsWith(u"z.hd"_s) || lower.startsWith(u"zu händen"_s) ||
                     lower.startsWith(u"attn"_s) ||
@@ -167,7 +169,7 @@ void Analysis::context()
             }
             const int k = nextInBlock(j);
             const auto single = [](const Line& x) {
-                return x.kind == Kind::Unknown && Words(x.text).size() == 1 &&
+                return x.kind == Kind::Unknown && WordCount(x.text) == 1 &&
                        CountDigitsIn(x.text) == 0;
             };
             if (k >= 0 && single(name) && single(m_lines[k])) {
@@ -191,7 +193,7 @@ void Analysis::context()
         if (l.kind == Kind::Postcode && next >= 0) {
             Line& city = m_lines[next];
             if (city.kind == Kind::City ||
-                (city.kind == Kind::Unknown && Words(city.text).size() <= 3 &&
+                (city.kind == Kind::Unknown && WordCount(city.text) <= 3 &&
                  CountDigitsIn(city.text) == 0)) {
                 l.kind = Kind::PostcodeCity;
                 l.place.ort = city.kind == Kind::City ? city.value : city.text;
@@ -205,7 +207,7 @@ void Analysis::context()
         if (l.kind == Kind::PostcodeCity && l.place.system == u"uk"_s) {
             const int prev = prevInBlock(i);
             if (prev >= 0 && m_lines[prev].kind == Kind::Unknown &&
-                CountDigitsIn(m_lines[prev].text) == 0 && Words(m_lines[prev].text).size() <= 3) {
+                CountDigitsIn(m_lines[prev].text) == 0 && WordCount(m_lines[prev].text) <= 3) {
                 const int before = prevInBlock(prev);
                 if (before >= 0 && m_lines[before].kind == Kind::Street) {
                     l.place.ort = m_lines[prev].text;
@@ -295,7 +297,7 @@ void Analysis::context()
             if (c.kind == Kind::Blank || c.skipped || c.kind == Kind::Closing)
                 continue;
             ++seen;
-            if ((c.kind == Kind::Unknown || c.kind == Kind::Noise) && Words(c.text).size() == 1)
+            if ((c.kind == Kind::Unknown || c.kind == Kind::Noise) && WordCount(c.text) == 1)
                 continue; // a first name alone ("Florian"), then the full name
             if (c.kind == Kind::Person || c.nameShaped) {
                 if (c.person.addressee)
@@ -353,7 +355,7 @@ void Analysis::context()
             const bool letters =
                 std::any_of(p.text.cbegin(), p.text.cend(), [](QChar c) { return c.isLetter(); });
             if (p.kind == Kind::Unknown && !p.nameShaped && CountDigitsIn(p.text) == 0 && letters &&
-                (Words(p.text).size() == 1 || IsAllCaps(p.text)) && Words(p.text).size() <= 5) {
+                (WordCount(p.text) == 1 || IsAllCaps(p.text)) && WordCount(p.text) <= 5) {
                 l.text = p.text + u' ' + l.text;
                 l.why += u"; mit der Zeile davor ein Name"_s;
                 p.skipped = true;
@@ -364,8 +366,8 @@ void Analysis::context()
         const int next = nextInBlock(i);
         if (l.strength == 2 && next >= 0) {
             Line& x = m_lines[next];
-            if (x.kind == Kind::Unknown && Words(x.text).size() == 1 &&
-                CountDigitsIn(x.text) == 0 && x.text[0].isUpper() && !IsKnownGivenName(x.text)) {
+            if (x.kind == Kind::Unknown && WordCount(x.text) == 1 && CountDigitsIn(x.text) == 0 &&
+                x.text[0].isUpper() && !IsKnownGivenName(x.text)) {
                 l.text += u' ' + x.text;
                 l.why += u"; mit der Zeile darunter ein Name"_s;
                 x.skipped = true;

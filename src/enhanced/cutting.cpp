@@ -7,13 +7,25 @@ namespace zf::enhanced {
 // Control and invisible characters go; odd blanks become blanks; tabs stay as dividers.
 QString cleaned(QStringView raw)
 {
-    QString out;
-    out.reserve(raw.size());
+    // Both passes write into buffers of the greatest size needed (every character, one blank
+    // per character at most) and are cut to length once; an append per character costs more
+    // than the rest of the work.
+    QString out(raw.size() * 2, Qt::Uninitialized);
+    QChar* const outBegin = out.data();
+    QChar* o = outBegin;
     bool blank = false;
     for (QChar c : raw) {
         const char16_t u = c.unicode();
+        // Printable ASCII, nearly every character, needs none of the tests below.
+        if (u > 0x20 && u < 0x7f) {
+            if (blank && o != outBegin && o[-1] != u'\t')
+                *o++ = u' ';
+            blank = false;
+            *o++ = c;
+            continue;
+        }
         if (u == u'\t' || u == 0x1f) {
-            out.append(u'\t');
+            *o++ = u'\t';
             blank = false;
             continue;
         }
@@ -24,35 +36,43 @@ QString cleaned(QStringView raw)
             blank = true;
             continue;
         }
-        if (blank && !out.isEmpty() && out.back() != u'\t')
-            out.append(u' ');
+        if (blank && o != outBegin && o[-1] != u'\t')
+            *o++ = u' ';
         blank = false;
-        out.append(c);
+        *o++ = c;
     }
+    const qsizetype length = o - outBegin;
     // Blanks around dividers are not part of any value.
-    QString tidy;
-    tidy.reserve(out.size());
-    for (qsizetype i = 0; i < out.size(); ++i) {
-        if (out[i] == u' ' && ((i + 1 < out.size() && out[i + 1] == u'\t') ||
-                               (!tidy.isEmpty() && tidy.back() == u'\t')))
+    QString tidy(length, Qt::Uninitialized);
+    QChar* const tidyBegin = tidy.data();
+    QChar* t = tidyBegin;
+    for (qsizetype i = 0; i < length; ++i) {
+        const QChar c = outBegin[i];
+        if (c == u' ' &&
+            ((i + 1 < length && outBegin[i + 1] == u'\t') || (t != tidyBegin && t[-1] == u'\t')))
             continue;
-        tidy.append(out[i]);
+        *t++ = c;
     }
+    tidy.truncate(t - tidyBegin);
     return tidy;
 }
 
 // Markdown emphasis, code marks and angle brackets around a lone address.
 QString withoutMarkup(QString s)
 {
-    for (const QString& mark : {u"**"_s, u"__"_s, u"`"_s})
-        s.remove(mark);
+    bool marks = false;
+    for (QChar c : std::as_const(s))
+        marks = marks || c == u'*' || c == u'_' || c == u'`';
+    if (marks)
+        for (const QString& mark : {u"**"_s, u"__"_s, u"`"_s})
+            s.remove(mark);
     if (s.size() > 2 && (s.front() == u'*' || s.front() == u'_') && s.back() == s.front())
         s = s.mid(1, s.size() - 2);
     if (s.size() > 2 && s.front() == u'<' && s.back() == u'>' && !s.mid(1).contains(u'<'))
         s = s.mid(1, s.size() - 2);
     // "[Text](https://host)": the text and the address become two pieces.
-    const qsizetype open = s.indexOf(u"]("_s);
-    if (s.startsWith(u'[') && open > 0 && s.endsWith(u')'))
+    const qsizetype open = s.startsWith(u'[') && s.endsWith(u')') ? s.indexOf(u"]("_s) : -1;
+    if (open > 0)
         s = s.mid(1, open - 1) + u'\t' + s.mid(open + 2, s.size() - open - 3);
     return s.trimmed();
 }
@@ -63,11 +83,34 @@ void Analysis::cut(const QString& text, const QString& separator)
     static const QString headEnd = u" schließen"_s;
     QString whole = text;
     whole.replace(u"\r\n"_s, separator);
-    const QStringList pieces = whole.split(separator, Qt::KeepEmptyParts);
+    // Views into the text instead of a list of copies; an empty separator is left to Qt,
+    // which splits it its own way.
+    QStringList parts;
+    QList<QStringView> pieces;
+    if (separator.isEmpty()) {
+        parts = whole.split(separator, Qt::KeepEmptyParts);
+        for (const QString& p : std::as_const(parts))
+            pieces.append(p);
+    } else {
+        const QStringView all(whole);
+        const QChar first = separator.front();
+        qsizetype from = 0;
+        for (qsizetype i = 0; i + separator.size() <= all.size();) {
+            if (all[i] == first && all.mid(i, separator.size()) == separator) {
+                pieces.append(all.mid(from, i - from));
+                i += separator.size();
+                from = i;
+            } else {
+                ++i;
+            }
+        }
+        pieces.append(all.mid(from));
+    }
+    m_raw.reserve(pieces.size());
     int source = 0;
     int block = 0;
     bool lastBlank = true;
-    for (const QString& piece : pieces) {
+    for (QStringView piece : std::as_const(pieces)) {
         // Stray line breaks inside a piece still end a line.
         qsizetype from = 0;
         for (qsizetype i = 0; i <= piece.size(); ++i) {

@@ -96,7 +96,8 @@ public:
 
 private:
     void classifyInto(Line line, QList<Line>& out, int depth);
-    bool classifyOne(Line& l);
+    // known: ParseLabel of the line's text when the caller has it already.
+    bool classifyOne(Line& l, const std::optional<LabelHit>* known = nullptr);
     void applyLabel(Line& l, const Label& label, const QString& value, QList<Line>* extra,
                     int depth);
     bool hasContactData(int from, int to) const;

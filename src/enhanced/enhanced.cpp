@@ -21,15 +21,23 @@ AnalysisResult AnalyseTextEnhanced(const QString& input, Session& session, const
     try {
         session.rows.clearRows();
         // Old Mac line ends (a CR alone) are line breaks too.
+        const auto loneCr = [&input](qsizetype i) {
+            return input[i] == u'\r' && (i + 1 >= input.size() || input[i + 1] != u'\n');
+        };
         QString text;
-        if (!input.contains(u'\r'))
+        if (!input.contains(u'\r')) {
             text = input;
-        else
-            text.reserve(input.size() + 64);
-        for (qsizetype i = text.isEmpty() ? 0 : input.size(); i < input.size(); ++i) {
-            text.append(input[i]);
-            if (input[i] == u'\r' && (i + 1 >= input.size() || input[i + 1] != u'\n'))
-                text.append(u'\n');
+        } else {
+            qsizetype lone = 0;
+            for (qsizetype i = 0; i < input.size(); ++i)
+                lone += loneCr(i);
+            text.resize(input.size() + lone);
+            QChar* to = text.data();
+            for (qsizetype i = 0; i < input.size(); ++i) {
+                *to++ = input[i];
+                if (loneCr(i))
+                    *to++ = u'\n';
+            }
         }
         // A text without any line separator is one line: there is nothing to choose.
         static const QString lineBreak = u"\r\n"_s;

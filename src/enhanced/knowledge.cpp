@@ -147,6 +147,13 @@ Knowledge load()
     for (const QString& e : entries(u"us_states.txt"_s))
         for (const QString& s : e.split(u' ', Qt::SkipEmptyParts))
             k.usStates.insert(s);
+    for (const QSet<QString>* set : {&k.companyWords.words, &k.jobWords.words, &k.streetWords.words,
+                                     &k.departmentWords.words, &k.noiseWords})
+        k.notNameWords.unite(*set);
+    for (auto it = k.countries.cbegin(); it != k.countries.cend(); ++it)
+        k.notNameWords.insert(it.key());
+    for (auto it = k.salutations.cbegin(); it != k.salutations.cend(); ++it)
+        k.notNameWords.insert(it.key());
     return k;
 }
 
@@ -154,10 +161,12 @@ Knowledge load()
 
 bool WordList::has(QStringView lowerWord) const
 {
-    if (words.contains(lowerWord.toString()))
+    // A look-up key over the view's characters, without a copy.
+    if (words.contains(QString::fromRawData(lowerWord.data(), lowerWord.size())))
         return true;
     for (const QString& e : endings)
-        if (lowerWord.size() > e.size() && lowerWord.endsWith(e))
+        if (lowerWord.size() > e.size() && (e.isEmpty() || lowerWord.back() == e.back()) &&
+            lowerWord.endsWith(e))
             return true;
     return false;
 }
@@ -167,8 +176,10 @@ const Label* Knowledge::label(const QString& lowerLabel) const
     const auto it = labels.constFind(lowerLabel);
     if (it != labels.cend())
         return &*it;
+    // The first letter rules out nearly every prefix without a call.
     for (const auto& [prefix, label] : labelPrefixes)
-        if (lowerLabel.startsWith(prefix))
+        if (prefix.isEmpty() || (!lowerLabel.isEmpty() && lowerLabel.front() == prefix.front() &&
+                                 lowerLabel.startsWith(prefix)))
             return &label;
     return nullptr;
 }

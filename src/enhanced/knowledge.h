@@ -90,6 +90,9 @@ struct Knowledge {
     QList<DialCode> dialCodes; // longest code first
     QHash<QString, QString> topLevelDomains;
     QSet<QString> usStates;
+    // The keys of the word, country, salutation and noise lists in one set: a person's name
+    // is checked against all of them for every word.
+    QSet<QString> notNameWords;
 
     const Label* label(const QString& lowerLabel) const;
 };

@@ -35,14 +35,14 @@ bool isNameWord(QStringView w)
 bool isDegree(QStringView w, bool allCaps)
 {
     const Knowledge& k = knowledge();
-    const QString s = w.toString();
+    const QString s = keyOf(w);
     return k.degrees.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper()));
 }
 
 bool isDegreeFollow(QStringView w, bool allCaps)
 {
     const Knowledge& k = knowledge();
-    const QString s = w.toString();
+    const QString s = keyOf(w);
     return k.degreeFollows.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper()));
 }
 
@@ -78,11 +78,12 @@ bool HasLegalForm(QStringView text)
 bool IsCompanyWordLine(QStringView text)
 {
     const Knowledge& k = knowledge();
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.size() < 2)
         return false;
     for (QStringView word : w) {
-        const QString bare = Bare(word);
+        const BareKey bareKey(word);
+        const QString& bare = bareKey.str();
         if (word[0].isUpper() && k.companyWords.has(bare))
             return true;
     }
@@ -92,25 +93,27 @@ bool IsCompanyWordLine(QStringView text)
 bool IsDepartmentLine(QStringView text)
 {
     const Knowledge& k = knowledge();
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.size() == 1) {
         // A compound on its own ("Bauamt", "Personalabteilung"), unless it names an authority.
-        const QString bare = Bare(w[0]);
+        const BareKey bareKey(w[0]);
+        const QString& bare = bareKey.str();
         return w[0][0].isUpper() && !k.departmentWords.words.contains(bare) &&
                k.departmentWords.has(bare) && !k.companyWords.words.contains(bare);
     }
-    return k.departmentWords.words.contains(Bare(w[0])) ||
+    return k.departmentWords.words.contains(BareKey(w[0]).str()) ||
            k.departmentWords.words.contains(Bare(w[0]) + u' ' + Bare(w[1]));
 }
 
 bool IsJobLine(QStringView text)
 {
     const Knowledge& k = knowledge();
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.isEmpty() || w.size() > 8)
         return false;
     for (QStringView word : w) {
-        const QString bare = Bare(word);
+        const BareKey bareKey(word);
+        const QString& bare = bareKey.str();
         if (k.jobWords.has(bare))
             return true;
     }
@@ -119,7 +122,8 @@ bool IsJobLine(QStringView text)
 
 bool IsKnownGivenName(QStringView word)
 {
-    const QString lower = word.toString().toLower();
+    const LowerKey lowerKey(word);
+    const QString& lower = lowerKey.str();
     if (knowledge().givenNames.contains(lower))
         return true;
     // "Kai-Uwe", "Hans-Peter"
@@ -131,20 +135,21 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
 {
     const Knowledge& k = knowledge();
     const bool caps = IsAllCaps(text);
-    QList<QStringView> w = Words(text);
+    WordViews w = Words(text);
     PersonName p;
     qsizetype i = 0;
     // "Ihr", "Ihre", "i. A."
     for (int round = 0; round < 2 && i < w.size(); ++round) {
-        if (i + 1 < w.size() && k.signWords.contains(Bare(joined(w, i, i + 2))))
+        if (i + 1 < w.size() && k.signWords.contains(BareKey(joined(w, i, i + 2)).str()))
             i += 2;
-        else if (k.signWords.contains(Bare(w[i])))
+        else if (k.signWords.contains(BareKey(w[i]).str()))
             ++i;
     }
     QStringList titles;
     bool jobSeen = false;
     while (i < w.size()) {
-        const QString bare = Bare(w[i]);
+        const BareKey bareKey(w[i]);
+        const QString& bare = bareKey.str();
         if (const auto it = k.salutations.constFind(bare); it != k.salutations.cend()) {
             p.anrede = it->german;
             p.addressee = it->addressee;
@@ -183,24 +188,22 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     // A comma inside ("Meier, Hans") or behind the first word turns the order.
     for (qsizetype j = 0; j < names.size(); ++j) {
         const QString& n = names[j];
-        const QString lower = n.toLower();
+        const LowerKey lowerKey(n);
+        const QString& lower = lowerKey.str();
         const bool particle = j > 0 && j + 1 < names.size() && isParticle(lower);
         const bool initial = j > 0 && j + 1 < names.size() && isInitial(n);
         if (!particle && !initial && !isNameWord(n))
             return std::nullopt;
         if (particle || initial)
             continue;
-        if (k.companyWords.words.contains(lower) || k.jobWords.words.contains(lower) ||
-            k.legalForms.contains(n) || k.streetWords.words.contains(lower) ||
-            k.countries.contains(lower) || k.departmentWords.words.contains(lower) ||
-            k.salutations.contains(lower) || k.noiseWords.contains(lower))
+        if (k.notNameWords.contains(lower) || k.legalForms.contains(n))
             return std::nullopt;
     }
-    if (isParticle(names.back().toLower()) || isInitial(names.back()))
+    if (isParticle(LowerKey(names.back()).str()) || isInitial(names.back()))
         return std::nullopt;
     qsizetype first = 1;
     if (names.size() >= 3 && IsKnownGivenName(names[1]) && !isInitial(names[1]) &&
-        !isParticle(names[1].toLower()))
+        !isParticle(LowerKey(names[1]).str()))
         first = 2;
     QStringList given;
     for (qsizetype j = 0; j < first; ++j)
@@ -222,25 +225,32 @@ QStringView WithoutProxyMark(QStringView text)
 {
     static const QStringList marks{u"i. A. "_s, u"i.A. "_s, u"i. V. "_s, u"i.V. "_s,
                                    u"ppa. "_s,  u"pp. "_s,  u"p.p. "_s,  u"i. Auftr. "_s};
-    for (const QString& m : marks)
+    // An ASCII first letter that differs from a mark's in more than case rules the mark out
+    // without the case-blind compare.
+    const char16_t c = text.isEmpty() ? 0 : text.front().unicode();
+    for (const QString& m : marks) {
+        const char16_t f = m.front().unicode();
+        if (c < 0x80 && f < 0x80 && (c | 0x20) != (f | 0x20))
+            continue;
         if (text.startsWith(m, Qt::CaseInsensitive))
             return text.mid(m.size()).trimmed();
+    }
     return {};
 }
 
 QString SalutationOnly(QStringView text)
 {
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.size() != 1)
         return {};
-    const auto it = knowledge().salutations.constFind(Bare(w[0]));
+    const auto it = knowledge().salutations.constFind(BareKey(w[0]).str());
     return it == knowledge().salutations.cend() ? QString() : it->german;
 }
 
 QString DegreeOnly(QStringView text)
 {
     const bool caps = IsAllCaps(text);
-    const QList<QStringView> w = Words(text);
+    const WordViews w = Words(text);
     if (w.isEmpty() || w.size() > 4 || !isDegree(w[0], caps))
         return {};
     for (qsizetype i = 1; i < w.size(); ++i)

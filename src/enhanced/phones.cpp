@@ -100,7 +100,7 @@ QString nationalDigits(const QString& number, QString* country)
         if (digits.startsWith(u"00"_s))
             digits = digits.mid(2);
         for (const DialCode& d : knowledge().dialCodes) {
-            const QString code = d.code.mid(1);
+            const QStringView code = QStringView(d.code).mid(1);
             if (digits.startsWith(code)) {
                 *country = d.country;
                 return digits.mid(code.size());
@@ -165,7 +165,10 @@ QString FindWebHost(QStringView text, bool bare)
     for (QStringView w : Words(text)) {
         QStringView host = w;
         bool marked = false;
+        // Without a colon no scheme can match; the case-blind search is not needed then.
         for (const QString& scheme : {u"https://"_s, u"http://"_s}) {
+            if (!w.contains(u':'))
+                break;
             const qsizetype at = w.indexOf(scheme, 0, Qt::CaseInsensitive);
             if (at >= 0) {
                 host = w.mid(at + scheme.size());

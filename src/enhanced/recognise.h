@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 #include <QStringView>
+#include <QVarLengthArray>
 
 #include <optional>
 
@@ -38,8 +39,11 @@ struct PhoneNumber {
     PhoneRole role = PhoneRole::Plain;
 };
 
-// Blank-separated words.
-QList<QStringView> Words(QStringView text);
+// Blank-separated words. A line has few: they stay on the stack, as most lines are split
+// by several recognisers in turn.
+using WordViews = QVarLengthArray<QStringView, 16>;
+WordViews Words(QStringView text);
+qsizetype WordCount(QStringView text);
 // Lower-cased, without trailing , ; : characters.
 QString Bare(QStringView word);
 bool IsAllCaps(QStringView text);

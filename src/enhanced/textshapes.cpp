@@ -37,9 +37,9 @@ std::optional<Label> combinedPhoneLabel(const QString& lowerLabel)
 
 } // namespace
 
-QList<QStringView> Words(QStringView text)
+WordViews Words(QStringView text)
 {
-    QList<QStringView> out;
+    WordViews out;
     qsizetype start = -1;
     for (qsizetype i = 0; i <= text.size(); ++i) {
         const bool blank = i == text.size() || text[i] == u' ';
@@ -53,9 +53,17 @@ QList<QStringView> Words(QStringView text)
     return out;
 }
 
+qsizetype WordCount(QStringView text)
+{
+    qsizetype count = 0;
+    for (qsizetype i = 0; i < text.size(); ++i)
+        count += text[i] != u' ' && (i == 0 || text[i - 1] == u' ');
+    return count;
+}
+
 QString Bare(QStringView word)
 {
-    return stripTrailing(word, u",;:").toLower();
+    return lowered(chopTrailing(word, u",;:"));
 }
 
 bool IsAllCaps(QStringView text)
@@ -96,11 +104,12 @@ bool IsClosing(QStringView text)
     const Knowledge& k = knowledge();
     if (text.size() > 80 || text.count(u' ') > 6 || hasDigitOrAt(text))
         return false;
-    const QString lower = stripTrailing(text, u" ,.!").toLower();
+    const LowerKey lowerKey(chopTrailing(text, u" ,.!"));
+    const QString& lower = lowerKey.str();
     if (k.closings.contains(lower))
         return true;
     for (const QString& stem : k.closingStems)
-        if (lower.contains(stem))
+        if (containsText(lower, stem))
             return true;
     return false;
 }
@@ -110,10 +119,11 @@ bool IsOpening(QStringView text)
     const Knowledge& k = knowledge();
     if (text.isEmpty() || !text[0].isLetter() || hasDigitOrAt(text))
         return false;
-    const QString lower = text.toString().toLower();
+    const LowerKey lowerKey(text);
+    const QString& lower = lowerKey.str();
     for (const QString& o : k.openings)
         if (startsWithWord(lower, o))
-            return lower.endsWith(u',') || lower.endsWith(u'!') || Words(lower).size() <= 4;
+            return lower.endsWith(u',') || lower.endsWith(u'!') || WordCount(lower) <= 4;
     return false;
 }
 
@@ -127,7 +137,8 @@ bool IsThreadCut(QStringView text)
     }
     if (!text.endsWith(u':') && !text.contains(u'@'))
         return false;
-    const QString lower = text.toString().toLower();
+    const LowerKey lowerKey(text);
+    const QString& lower = lowerKey.str();
     if ((lower.startsWith(u"von:"_s) || lower.startsWith(u"from:"_s)) && lower.contains(u'@'))
         return true;
     if (lower.endsWith(u':') && (lower.contains(u" schrieb"_s) || lower.contains(u" wrote"_s)))
@@ -166,14 +177,16 @@ bool IsDate(QStringView text)
 bool IsNoise(QStringView text, QString* why)
 {
     const Knowledge& k = knowledge();
-    const QString lower = text.toString().toLower();
+    const LowerKey lowerKey(text);
+    const QString& lower = lowerKey.str();
     for (const QString& p : k.noisePhrases)
         if (lower.startsWith(p)) {
             *why = u"Hinweis \"%1\""_s.arg(p);
             return true;
         }
     for (QStringView w : Words(lower)) {
-        const QString bare = Bare(w);
+        const BareKey bareKey(w);
+        const QString& bare = bareKey.str();
         if (k.noiseWords.contains(bare) || k.noiseWords.contains(stripTrailing(bare, u"."))) {
             *why = u"Wort \"%1\""_s.arg(bare);
             return true;
@@ -200,11 +213,12 @@ std::optional<LabelHit> ParseLabel(QStringView text)
         const bool ordinal = name.size() > 3 && isDigit(name[0]) && name[1] == u'.' &&
                              name[2] == u' ' && CountDigitsIn(name) == 1;
         if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal) && !name.contains(u'@') &&
-            Words(name).size() <= 6) {
+            WordCount(name) <= 6) {
             LabelHit hit;
             hit.name = name.toString();
             hit.rest = text.mid(colon + 1).trimmed().toString();
-            const QString lower = hit.name.toLower();
+            const LowerKey lowerKey(hit.name);
+            const QString& lower = lowerKey.str();
             if (const Label* l = k.label(lower)) {
                 hit.known = true;
                 hit.label = *l;
@@ -216,11 +230,24 @@ std::optional<LabelHit> ParseLabel(QStringView text)
         }
     }
     // Phone, mail and web labels also stand without a colon: "Tel. 0711 1234", "Fax 0711".
-    const QList<QStringView> words = Words(text);
-    if (words.size() < 2 || !k.label(words[0].toString().toLower()))
-        return std::nullopt;
+    // Most lines fail on the first word; the line is split only behind a label.
+    {
+        qsizetype from = 0;
+        while (from < text.size() && text[from] == u' ')
+            ++from;
+        qsizetype to = from;
+        while (to < text.size() && text[to] != u' ')
+            ++to;
+        qsizetype next = to;
+        while (next < text.size() && text[next] == u' ')
+            ++next;
+        if (next == text.size() || !k.label(LowerKey(text.mid(from, to - from)).str()))
+            return std::nullopt;
+    }
+    const WordViews words = Words(text);
     for (qsizetype n = std::min<qsizetype>(3, words.size() - 1); n >= 1; --n) {
-        const QString lower = joined(words, 0, n).toLower();
+        const LowerKey lowerKey(joined(words, 0, n));
+        const QString& lower = lowerKey.str();
         std::optional<Label> label;
         if (const Label* l = k.label(lower))
             label = *l;
