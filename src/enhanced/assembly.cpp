@@ -1,4 +1,5 @@
 #include "engine.h"
+#include "wordbits.h"
 
 using namespace Qt::StringLiterals;
 
@@ -82,6 +83,14 @@ void Analysis::assemble()
                            PersonSource::Evidence, PersonSource::Role}) {
         person =
             first([s](const Line& l) { return l.kind == Kind::Person && l.personSource == s; });
+        // Among an imprint's people the chair comes before the managing directors.
+        if (s == PersonSource::Role && person >= 0)
+            if (const int chair = first([](const Line& l) {
+                    return l.kind == Kind::Person && l.personSource == PersonSource::Role &&
+                           IsChairLine(l.text);
+                });
+                chair >= 0)
+                person = chair;
         if (person >= 0)
             break;
     }
@@ -150,6 +159,14 @@ void Analysis::assemble()
             break;
         }
     }
+    // "Physiotherapie Kerstin Lammers": a one-person business carries its owner's name.
+    if (person < 0 && name.kontakt().isEmpty() && company >= 0 &&
+        m_lines[company].kind == Kind::Company && m_lines[company].strength == 2 &&
+        !m_lines[company].labelled)
+        if (const auto owner = OwnerInFirmName(companyText)) {
+            name = *owner;
+            m_lines[company].why += u"; der Name darin ist der Inhaber"_s;
+        }
     if (company < 0 && department >= 0) {
         company = department;
         companyText =
@@ -179,6 +196,22 @@ void Analysis::assemble()
                 const QString host = m_lines[i].value.section(u'@', -1).toLower();
                 hinted = knowledge().topLevelDomains.value(host.mid(host.lastIndexOf(u'.')));
             }
+        }
+        // Four-digit postcodes are shared: the town, a canton code or the words say whose.
+        if (hinted.isEmpty() && system == u"4"_s) {
+            const QHash<QString, QString>& hints = knowledge().placeHints;
+            const QString ort = m_lines[place].place.ort;
+            const QList<QStringView> townWords = Words(ort);
+            hinted = hints.value(u"town:"_s + ort.toLower());
+            if (hinted.isEmpty() && townWords.size() >= 2)
+                hinted =
+                    hints.value(u"canton:"_s + stripTrailing(townWords.back(), u")").remove(u'('));
+            for (int i = m_from; i < m_to && hinted.isEmpty(); ++i)
+                if (usable(i) && (m_lines[i].kind == Kind::Opening ||
+                                  m_lines[i].kind == Kind::Closing || m_lines[i].labelled))
+                    for (QStringView w : Words(m_lines[i].text))
+                        if (hinted.isEmpty())
+                            hinted = hints.value(u"word:"_s + Bare(w));
         }
         static const QSet<QString> fourDigit{u"Österreich"_s, u"Schweiz"_s,   u"Liechtenstein"_s,
                                              u"Belgien"_s,    u"Luxemburg"_s, u"Dänemark"_s};
@@ -261,8 +294,9 @@ void Analysis::assemble()
         take(company, u"Firma"_s);
     }
     if (department >= 0) {
-        add(FieldId::Abteilung,
-            m_lines[department].labelled ? m_lines[department].value : m_lines[department].text);
+        add(FieldId::Abteilung, m_lines[department].labelled
+                                    ? m_lines[department].value
+                                    : WithoutUnitWord(m_lines[department].text));
         take(department, u"Abteilung"_s);
     }
     add(FieldId::Anrede, name.anrede);

@@ -48,6 +48,8 @@ void Analysis::classifyAll()
 // One line, maybe several pieces: dividers, "street, postcode city", two labels.
 void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
 {
+    if (depth == 0)
+        line.text = WithoutDecoration(line.text);
     if (line.text.size() > MaxLineLength) {
         line.kind = Kind::Prose;
         line.why = u"zu lang für eine Adresszeile"_s;
@@ -220,15 +222,18 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         [[fallthrough]];
     case LabelKind::Name:
     case LabelKind::Role: {
-        // "Verantwortlich:" over the firm's own line.
-        if (label.kind == LabelKind::Role && HasLegalForm(value)) {
+        // "Verantwortlich:" over the firm's own line; "Inhaberin: Eva Roth e. K." is her.
+        const QString owner = label.kind == LabelKind::Role && HasLegalForm(value)
+                                  ? WithoutSoleTraderForm(value)
+                                  : value;
+        if (owner.isEmpty() || (owner.size() < value.size() && !ParsePerson(owner, false))) {
             l.kind = Kind::Company;
             l.strength = 3;
             l.why += u"Firma hinter dem Etikett"_s;
             return;
         }
         // A list of people: the first one counts.
-        QString first = value;
+        QString first = owner;
         // "1. Vorsitzende: Name" under "Vertreten durch:".
         if (const qsizetype colon = first.indexOf(u": "_s); colon > 0)
             first = first.mid(colon + 2);
@@ -482,6 +487,9 @@ bool Analysis::classifyOne(Line& l)
     if (words > 9 && !(firmFirst && words <= 14))
         return is(Kind::Prose, u"mehr als neun Wörter: Satz"_s);
     if (HasLegalForm(t)) {
+        // "HRB 198876 B, AG Charlottenburg": the court, not a firm.
+        if (IsRegisterLine(t))
+            return is(Kind::Noise, u"Registereintrag"_s);
         l.strength = 3;
         return is(Kind::Company, u"Rechtsform"_s);
     }

@@ -90,6 +90,7 @@ struct Knowledge {
     QList<DialCode> dialCodes; // longest code first
     QHash<QString, QString> topLevelDomains;
     QSet<QString> usStates;
+    QHash<QString, QString> placeHints; // "town:zug", "canton:ZG", "word:grüezi" -> country
 
     const Label* label(const QString& lowerLabel) const;
 };
