@@ -286,6 +286,20 @@ void Analysis::assemble()
         mailValue = FindEMail(m_lines[m_from].text);
         mail = mailValue.isEmpty() ? -1 : m_from;
     }
+    // A reply without it: the quoted message below was sent to the signer.
+    for (int i = m_to; mail < 0 && !name.nachname.isEmpty() && i < m_to + 8 && i < m_lines.size();
+         ++i) {
+        const QString lower = m_lines[i].text.left(5).toLower();
+        if (!lower.startsWith(u"an:"_s) && !lower.startsWith(u"to:"_s) &&
+            !lower.startsWith(u"aan:"_s))
+            continue;
+        for (const QString& recipient : m_lines[i].text.split(u';'))
+            if (recipient.contains(name.nachname) && !FindEMail(recipient).isEmpty()) {
+                mailValue = FindEMail(recipient);
+                mail = i;
+                break;
+            }
+    }
     const int web = first([](const Line& l) { return l.kind == Kind::Website; });
 
     // In field order; the rows are filled in this order.
