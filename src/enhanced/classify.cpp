@@ -237,6 +237,12 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         // "1. Vorsitzende: Name" under "Vertreten durch:".
         if (const qsizetype colon = first.indexOf(u": "_s); colon > 0)
             first = first.mid(colon + 2);
+        // "Eva Roth, Dr. Jan Hahn (Präsident)": the chair before the first named.
+        for (const QString& part : first.split(u", "_s))
+            if (part.contains(u" ("_s) && IsChairLine(part)) {
+                first = part;
+                break;
+            }
         for (const QString& sep : {u", "_s, u" und "_s, u" and "_s, u" & "_s, u"; "_s}) {
             // "Meier, Hans" is one person, written surname first.
             if (sep == u", "_s && label.kind != LabelKind::Role) {
