@@ -175,6 +175,13 @@ void TestEnhancedPeople::degrees_data()
     addCase("American designation behind the name",
             "Best regards,\nSamantha Ortiz, CPA\nOrtiz Accounting LLC\n",
             "Vorname=Samantha | Nachname=Ortiz");
+    addCase("Polish master engineer, written small",
+            "Z poważaniem\nmgr inż. Tomasz Nowicki\nNowicki Budownictwo Sp. z o.o.\n",
+            "Titel=mgr inż. | Vorname=Tomasz | Nachname=Nowicki | "
+            "Firma=Nowicki Budownictwo Sp. z o.o.");
+    addCase("Swiss abbreviated salutation",
+            "Fr. Dr. Corinne Wyss\nWyss Kommunikation GmbH\nMarktgasse 8\n3011 Bern\n",
+            "Anrede=Frau | Titel=Dr. | Vorname=Corinne | Nachname=Wyss");
     addCase("OCR digit in a known given name",
             "Ho1ger Brinkmann\nHafenmeister\nHafen Brinkmann GmbH\nKaiweg 5\n27568 Bremerhaven\n",
             "Vorname=Holger | Nachname=Brinkmann");
