@@ -485,7 +485,7 @@ bool Analysis::classifyOne(Line& l)
     }
     // "lic. iur. Anna Meier" starts small and is a name, "wortwerk kommunikation GmbH" a firm.
     if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s) &&
-        DegreeOnly(Words(t).front()).isEmpty() && !(Words(t).size() <= 5 && HasLegalForm(t)))
+        DegreeOnly(Words(t).front()).isEmpty() && !(t.count(u' ') < 5 && HasLegalForm(t)))
         return is(Kind::Prose, u"beginnt klein: Satz"_s);
     const int words = int(Words(t).size());
     const bool firmFirst =

@@ -74,6 +74,12 @@ bool HasLegalForm(QStringView text)
                 out[f.section(u' ', 0, 0)].append(f);
         return out;
     }();
+    static const qsizetype spacedLead = [] {
+        qsizetype longest = 0;
+        for (auto it = spaced.cbegin(); it != spaced.cend(); ++it)
+            longest = std::max(longest, it.key().size());
+        return longest;
+    }();
     const QList<QStringView> words = Words(text);
     for (qsizetype i = 0; i < words.size(); ++i) {
         const QStringView w = words[i];
@@ -84,7 +90,8 @@ bool HasLegalForm(QStringView text)
         if (i + 1 < words.size() && s.size() == 2 && s[1] == u'.' && words[i + 1].size() <= 5 &&
             known(s + stripTrailing(words[i + 1], u",;")))
             return true;
-        if (const auto it = spaced.constFind(s); it != spaced.cend())
+        if (const auto it = s.size() <= spacedLead ? spaced.constFind(s) : spaced.cend();
+            it != spaced.cend())
             for (const QString& form : *it)
                 if (QStringView(text).mid(w.data() - text.data()).startsWith(form))
                     return true;
@@ -128,7 +135,8 @@ QString WithoutDecoration(const QString& text)
         return c == u'★' || c == u'☆' || c == u'✩' || c == u'✪' || c == u'✭' || c == u'✮' ||
                c == u'✯' || c == u'⭐';
     };
-    if (std::none_of(text.cbegin(), text.cend(), ornament))
+    if (std::none_of(text.cbegin(), text.cend(),
+                     [&ornament](QChar c) { return c.unicode() >= 0x2600 && ornament(c); }))
         return text;
     QString out;
     for (QChar c : text)
