@@ -146,7 +146,8 @@ void Analysis::assemble()
                 continue;
             const Line& l = m_lines[i];
             if (l.kind == Kind::Address2 || l.kind == Kind::Noise || l.kind == Kind::Job ||
-                l.kind == Kind::Blank || l.kind == Kind::Department || i == person)
+                l.kind == Kind::Blank || l.kind == Kind::Department || i == person ||
+                IsSloganLine(l.text))
                 continue;
             const bool loose =
                 l.kind == Kind::Unknown ||

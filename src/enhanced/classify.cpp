@@ -48,8 +48,13 @@ void Analysis::classifyAll()
 // One line, maybe several pieces: dividers, "street, postcode city", two labels.
 void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
 {
-    if (depth == 0)
-        line.text = WithoutDecoration(line.text);
+    // Rating stars mark a hotel's or restaurant's own name.
+    bool starred = false;
+    if (depth == 0) {
+        const QString plain = WithoutDecoration(line.text);
+        starred = plain.size() != line.text.size();
+        line.text = plain;
+    }
     if (line.text.size() > MaxLineLength) {
         line.kind = Kind::Prose;
         line.why = u"zu lang für eine Adresszeile"_s;
@@ -138,6 +143,11 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
     }
     Line whole = line;
     classifyOne(whole);
+    if (starred && whole.kind == Kind::Unknown) {
+        whole.kind = Kind::Company;
+        whole.strength = 2;
+        whole.why = u"Name mit Sternen: Hotel oder Restaurant"_s;
+    }
     // "Marketing Lead, Muster GmbH" and "Eva Roth, Inhaberin": a job beside a firm or name.
     if ((whole.kind == Kind::Job || (whole.kind == Kind::Company && !whole.labelled)) &&
         depth < 3 && line.text.count(u", "_s) == 1) {

@@ -204,6 +204,15 @@ bool IsJobLine(QStringView text)
     return false;
 }
 
+bool IsSloganLine(QStringView text)
+{
+    static const QSet<QString> addressed{u"ihr"_s,   u"ihre"_s, u"ihrem"_s, u"ihren"_s, u"dein"_s,
+                                         u"deine"_s, u"your"_s, u"votre"_s, u"vos"_s,   u"uw"_s};
+    const QList<QStringView> w = Words(text);
+    // "Ihr Max Muster" under a closing is the signer, not a slogan.
+    return w.size() >= 3 && addressed.contains(Bare(w[0])) && !ParsePerson(text, false);
+}
+
 bool IsKnownGivenName(QStringView word)
 {
     const QString lower = word.toString().toLower();

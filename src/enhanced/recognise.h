@@ -94,6 +94,8 @@ bool IsDepartmentLine(QStringView text);
 // "Abteilung Kundenservice" -> "Kundenservice": the unit's name without the generic word.
 QString WithoutUnitWord(const QString& text);
 bool IsJobLine(QStringView text);
+// A slogan addressed to the reader ("Ihr Partner für Sanitär"), never a firm's name.
+bool IsSloganLine(QStringView text);
 bool IsKnownGivenName(QStringView word);
 // An imprint's line naming the chair ("Präsident", "1. Vorsitzender", "Chairman").
 bool IsChairLine(QStringView text);

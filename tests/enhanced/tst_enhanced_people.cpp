@@ -201,6 +201,13 @@ void TestEnhancedPeople::firms_data()
             "Herzliche Grüße\nIhr Team vom\nBerghotel Edelweiß ★★★★S\n"
             "Ihre Auszeit in den Bergen\nAlmweg 3 · 87561 Oberstdorf\n",
             "Firma=Berghotel Edelweiß S");
+    addCase("stars mark the name even without a trade word",
+            "Zur Alten Mühle ★★★\nIhr Genuss am Fluss\nMühlenweg 2\n97080 Würzburg\n",
+            "Firma=Zur Alten Mühle");
+    addCase("a slogan over the address is no firm",
+            "Viele Grüße\nKai Brunnert\n\nBRUNNERT\nIhre Wohlfühloase im Bad\n"
+            "Rohrweg 4\n59065 Hamm\n",
+            "Firma=BRUNNERT | Vorname=Kai");
     addCase("trade word over the partners' names in capitals",
             "INGENIEURBÜRO\nHAGEN + STRAUCH\n\nDipl.-Ing. Till Strauch\nBrunnenweg 7\n"
             "34117 Kassel\n",
