@@ -254,7 +254,9 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     bool jobSeen = false;
     while (i < w.size()) {
         const QString bare = Bare(w[i]);
-        if (const auto it = k.salutations.constFind(bare); it != k.salutations.cend()) {
+        // Dutch lawyers write "mr." small; the English salutation is "Mr."
+        if (const auto it = k.salutations.constFind(bare);
+            it != k.salutations.cend() && !isDegree(w[i], false)) {
             p.anrede = it->german;
             p.addressee = it->addressee;
             p.marked = true;

@@ -157,6 +157,12 @@ void TestEnhancedPeople::degrees_data()
     addCase("Dutch graduate with three-word surname",
             "Drs. Anouk van den Berg\nBerg Advies B.V.\nKeizersgracht 100\n1015 AA Amsterdam\n",
             "Titel=Drs. | Vorname=Anouk | Nachname=van den Berg");
+    addCase("Dutch lawyer's degree written small, unlike the English salutation",
+            "mr. drs. Sanne Visser\nVisser Advocaten\nHerengracht 20\n1015 BK Amsterdam\n",
+            "Anrede= | Titel=mr. drs. | Vorname=Sanne | Nachname=Visser");
+    addCase("English salutation",
+            "Mr. Oliver Grant\nGrant Joinery Ltd\n4 Mill Lane\nYork YO1 7HH\n",
+            "Anrede=Herr | Titel= | Vorname=Oliver | Nachname=Grant");
     addCase("Italian doctor, female form",
             "Distinti saluti\n\nDott.ssa Francesca Moretti\nMoretti Consulenze S.r.l.\n"
             "Via Roma 12\n40121 Bologna\nItalia\n",
