@@ -198,8 +198,8 @@ void Analysis::assemble()
                 hinted = knowledge().topLevelDomains.value(host.mid(host.lastIndexOf(u'.')));
             }
         }
-        // Four-digit postcodes are shared: the town, a canton code or the words say whose.
-        if (hinted.isEmpty() && system == u"4"_s) {
+        // Postcodes of one length are shared: the town, a canton code or the words say whose.
+        if (hinted.isEmpty() && (system == u"4"_s || system == u"5"_s)) {
             const QHash<QString, QString>& hints = knowledge().placeHints;
             const QString ort = m_lines[place].place.ort;
             const QList<QStringView> townWords = Words(ort);
@@ -216,7 +216,8 @@ void Analysis::assemble()
         }
         static const QSet<QString> fourDigit{u"Österreich"_s, u"Schweiz"_s,   u"Liechtenstein"_s,
                                              u"Belgien"_s,    u"Luxemburg"_s, u"Dänemark"_s};
-        static const QSet<QString> fiveDigit{u"Deutschland"_s, u"Frankreich"_s, u"Italien"_s};
+        static const QSet<QString> fiveDigit{u"Deutschland"_s, u"Frankreich"_s, u"Italien"_s,
+                                             u"Spanien"_s};
         if (system == u"4"_s)
             land = fourDigit.contains(hinted) ? hinted : m_state.StandardLand4PLZ;
         else if (system == u"5"_s)

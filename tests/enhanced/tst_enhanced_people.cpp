@@ -130,6 +130,14 @@ void TestEnhancedPeople::representatives_data()
     addCase("a firm under an owner's inline label is no second owner",
             "Inhaber: Bodo Klaasen\nKlaasen Elektro\nDeichweg 5\n26721 Emden\n",
             "Vorname=Bodo | Nachname=Klaasen | Kontakt=Bodo Klaasen");
+    addCase("Dutch management under a colophon heading",
+            "Colofon\nDrukkerij Van Dam B.V.\nMolenstraat 3\n2011 AB Haarlem\nNederland\n"
+            "Directie: Ruud van Dam\nKvK 12345678\n",
+            "Firma=Drukkerij Van Dam B.V. | Vorname=Ruud | Nachname=van Dam");
+    addCase("Spanish administrator",
+            "Aviso legal\nTalleres Ruiz S.L.\nCalle Mayor 5\n28013 Madrid\nEspaña\n"
+            "Administrador: Javier Ruiz Ortega\n",
+            "Firma=Talleres Ruiz S.L. | Vorname=Javier | Nachname=Ruiz Ortega");
     addCase("French manager label",
             "Mentions légales\nBoulangerie Lefèvre SARL\n8, rue des Tanneurs\n67000 Strasbourg\n"
             "France\nGérante : Sophie Lefèvre-Klein\n",
@@ -269,6 +277,10 @@ void TestEnhancedPeople::countries_data()
     addCase("Austrian town stays Austria",
             "Liebe Grüße\nKatharina Moser\nMoser Reisen GmbH\nHerrengasse 4\n8010 Graz\n",
             "Land=Österreich");
+    addCase("Italian city with a five-digit postcode and nothing else",
+            "Bianchi Tessuti S.r.l.\nVia Po 8\n10124 Torino\n", "Land=Italien");
+    addCase("German town keeps the default",
+            "Kurz Metallbau GmbH\nRingstraße 8\n72764 Reutlingen\n", "Land=Deutschland");
     addCase("a Swiss mobile label",
             "Urs Haldimann\nHaldimann Velos\nBahnhofweg 3\n3550 Langnau\nNatel 079 123 45 67\n",
             "Land=Schweiz");
