@@ -389,10 +389,11 @@ std::optional<PersonName> OwnerInFirmName(QStringView text)
     qsizetype i = 0;
     while (i < w.size() && w[i][0].isUpper() && k.companyWords.has(Bare(w[i])))
         ++i;
-    if (i == 0 || w.size() - i < 2 || w.size() - i > 3)
+    if (i == 0 || w.size() - i < 2 || w.size() - i > 6)
         return std::nullopt;
+    // "Praxis Dr. med. Jonas Keller": a degree marks the name as well as a known given name.
     auto p = ParsePerson(text.mid(w[i].data() - text.data()), false);
-    if (!p || !p->knownGiven || !p->anrede.isEmpty() || !p->titel.isEmpty())
+    if (!p || !(p->knownGiven || !p->titel.isEmpty()) || !p->anrede.isEmpty())
         return std::nullopt;
     return p;
 }

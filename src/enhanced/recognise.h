@@ -109,7 +109,7 @@ QStringView WithoutProxyMark(QStringView text);
 QString SalutationOnly(QStringView text);
 QString DegreeOnly(QStringView text);
 // The owner named in a firm after its trade ("Malerbetrieb Hans Meier"), when the given name
-// is a known one.
+// is a known one or a degree stands in front.
 std::optional<PersonName> OwnerInFirmName(QStringView text);
 
 } // namespace zf::enhanced

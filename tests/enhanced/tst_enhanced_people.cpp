@@ -235,6 +235,10 @@ void TestEnhancedPeople::firms_data()
             "Tel. 0251 / 44 55 66\n",
             "Firma=Ergotherapie Miriam Sauerland | Vorname=Miriam | Nachname=Sauerland | "
             "Kontakt=Miriam Sauerland");
+    addCase("practice named after its doctor",
+            "Praxis Dr. med. dent. Jonas Keller\nZahnarzt\nKirchgasse 4\n79098 Freiburg\n",
+            "Firma=Praxis Dr. med. dent. Jonas Keller | Titel=Dr. med. dent. | Vorname=Jonas | "
+            "Nachname=Keller");
     addCase("a trade with a place name names nobody",
             "Bäckerei Am Markt\nMarktplatz 2\n37073 Göttingen\n",
             "Firma=Bäckerei Am Markt | Vorname= | Nachname=");
