@@ -186,8 +186,12 @@ bool IsDepartmentLine(QStringView text)
         return w[0][0].isUpper() && !k.departmentWords.words.contains(bare) &&
                k.departmentWords.has(bare) && !k.companyWords.words.contains(bare);
     }
+    // "Sales Department", "Marketing Division": English names the unit last.
+    const QString tail = Bare(w.back());
     return k.departmentWords.words.contains(Bare(w[0])) ||
-           k.departmentWords.words.contains(Bare(w[0]) + u' ' + Bare(w[1]));
+           k.departmentWords.words.contains(Bare(w[0]) + u' ' + Bare(w[1])) ||
+           (w.size() <= 4 && (tail == u"department"_s || tail == u"division"_s) &&
+            w[0][0].isUpper());
 }
 
 bool IsJobLine(QStringView text)

@@ -257,6 +257,10 @@ void TestEnhancedPeople::departments_data()
     addCase("a unit with a preposition keeps it",
             "Abteilung für Unfallchirurgie\nKlinikum Nordheide\nKlinikweg 1\n21244 Buchholz\n",
             "Abteilung=Abteilung für Unfallchirurgie");
+    addCase("English unit named last",
+            "Kind regards\nHelen Marsh\nCustomer Service Department\nMarsh Tools Ltd\n"
+            "3 Station Road\nLeeds LS1 4DY\n",
+            "Abteilung=Customer Service Department | Vorname=Helen | Firma=Marsh Tools Ltd");
     addCase("Italian office is a unit, not a person",
             "Cordiali saluti\n\nLuca Ferri\nUfficio Acquisti\nFerri Meccanica S.p.A.\n"
             "Via Emilia 200\n41121 Modena\n",
