@@ -1,4 +1,5 @@
 #include "engine.h"
+#include "wordbits.h"
 
 using namespace Qt::StringLiterals;
 
@@ -82,6 +83,14 @@ void Analysis::assemble()
                            PersonSource::Evidence, PersonSource::Role}) {
         person =
             first([s](const Line& l) { return l.kind == Kind::Person && l.personSource == s; });
+        // Among an imprint's people the chair comes before the managing directors.
+        if (s == PersonSource::Role && person >= 0)
+            if (const int chair = first([](const Line& l) {
+                    return l.kind == Kind::Person && l.personSource == PersonSource::Role &&
+                           IsChairLine(l.text);
+                });
+                chair >= 0)
+                person = chair;
         if (person >= 0)
             break;
     }
@@ -137,7 +146,8 @@ void Analysis::assemble()
                 continue;
             const Line& l = m_lines[i];
             if (l.kind == Kind::Address2 || l.kind == Kind::Noise || l.kind == Kind::Job ||
-                l.kind == Kind::Blank || l.kind == Kind::Department || i == person)
+                l.kind == Kind::Blank || l.kind == Kind::Department || i == person ||
+                IsSloganLine(l.text))
                 continue;
             const bool loose =
                 l.kind == Kind::Unknown ||
@@ -150,6 +160,14 @@ void Analysis::assemble()
             break;
         }
     }
+    // "Physiotherapie Kerstin Lammers": a one-person business carries its owner's name.
+    if (person < 0 && name.kontakt().isEmpty() && company >= 0 &&
+        m_lines[company].kind == Kind::Company && m_lines[company].strength == 2 &&
+        !m_lines[company].labelled)
+        if (const auto owner = OwnerInFirmName(companyText)) {
+            name = *owner;
+            m_lines[company].why += u"; der Name darin ist der Inhaber"_s;
+        }
     if (company < 0 && department >= 0) {
         company = department;
         companyText =
@@ -180,9 +198,26 @@ void Analysis::assemble()
                 hinted = knowledge().topLevelDomains.value(host.mid(host.lastIndexOf(u'.')));
             }
         }
+        // Postcodes of one length are shared: the town, a canton code or the words say whose.
+        if (hinted.isEmpty() && (system == u"4"_s || system == u"5"_s)) {
+            const QHash<QString, QString>& hints = knowledge().placeHints;
+            const QString ort = m_lines[place].place.ort;
+            const WordViews townWords = Words(ort);
+            hinted = hints.value(u"town:"_s + ort.toLower());
+            if (hinted.isEmpty() && townWords.size() >= 2)
+                hinted =
+                    hints.value(u"canton:"_s + stripTrailing(townWords.back(), u")").remove(u'('));
+            for (int i = m_from; i < m_to && hinted.isEmpty(); ++i)
+                if (usable(i) && (m_lines[i].kind == Kind::Opening ||
+                                  m_lines[i].kind == Kind::Closing || m_lines[i].labelled))
+                    for (QStringView w : Words(m_lines[i].text))
+                        if (hinted.isEmpty())
+                            hinted = hints.value(u"word:"_s + Bare(w));
+        }
         static const QSet<QString> fourDigit{u"Österreich"_s, u"Schweiz"_s,   u"Liechtenstein"_s,
                                              u"Belgien"_s,    u"Luxemburg"_s, u"Dänemark"_s};
-        static const QSet<QString> fiveDigit{u"Deutschland"_s, u"Frankreich"_s, u"Italien"_s};
+        static const QSet<QString> fiveDigit{u"Deutschland"_s, u"Frankreich"_s, u"Italien"_s,
+                                             u"Spanien"_s};
         if (system == u"4"_s)
             land = fourDigit.contains(hinted) ? hinted : m_state.StandardLand4PLZ;
         else if (system == u"5"_s)
@@ -253,6 +288,20 @@ void Analysis::assemble()
         mailValue = FindEMail(m_lines[m_from].text);
         mail = mailValue.isEmpty() ? -1 : m_from;
     }
+    // A reply without it: the quoted message below was sent to the signer.
+    for (int i = m_to; mail < 0 && !name.nachname.isEmpty() && i < m_to + 8 && i < m_lines.size();
+         ++i) {
+        const QString lower = m_lines[i].text.left(5).toLower();
+        if (!lower.startsWith(u"an:"_s) && !lower.startsWith(u"to:"_s) &&
+            !lower.startsWith(u"aan:"_s))
+            continue;
+        for (const QString& recipient : m_lines[i].text.split(u';'))
+            if (recipient.contains(name.nachname) && !FindEMail(recipient).isEmpty()) {
+                mailValue = FindEMail(recipient);
+                mail = i;
+                break;
+            }
+    }
     const int web = first([](const Line& l) { return l.kind == Kind::Website; });
 
     // In field order; the rows are filled in this order.
@@ -261,8 +310,9 @@ void Analysis::assemble()
         take(company, u"Firma"_s);
     }
     if (department >= 0) {
-        add(FieldId::Abteilung,
-            m_lines[department].labelled ? m_lines[department].value : m_lines[department].text);
+        add(FieldId::Abteilung, m_lines[department].labelled
+                                    ? m_lines[department].value
+                                    : WithoutUnitWord(m_lines[department].text));
         take(department, u"Abteilung"_s);
     }
     add(FieldId::Anrede, name.anrede);

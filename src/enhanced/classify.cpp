@@ -51,6 +51,13 @@ void Analysis::classifyAll()
 // One line, maybe several pieces: dividers, "street, postcode city", two labels.
 void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
 {
+    // Rating stars mark a hotel's or restaurant's own name.
+    bool starred = false;
+    if (depth == 0) {
+        const QString plain = WithoutDecoration(line.text);
+        starred = plain.size() != line.text.size();
+        line.text = plain;
+    }
     if (line.text.size() > MaxLineLength) {
         line.kind = Kind::Prose;
         line.why = u"zu lang für eine Adresszeile"_s;
@@ -139,6 +146,11 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
     }
     Line whole = line;
     classifyOne(whole, &hit);
+    if (starred && whole.kind == Kind::Unknown) {
+        whole.kind = Kind::Company;
+        whole.strength = 2;
+        whole.why = u"Name mit Sternen: Hotel oder Restaurant"_s;
+    }
     // "Marketing Lead, Muster GmbH" and "Eva Roth, Inhaberin": a job beside a firm or name.
     if ((whole.kind == Kind::Job || (whole.kind == Kind::Company && !whole.labelled)) &&
         depth < 3 && line.text.count(u", "_s) == 1) {
@@ -223,18 +235,27 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         [[fallthrough]];
     case LabelKind::Name:
     case LabelKind::Role: {
-        // "Verantwortlich:" over the firm's own line.
-        if (label.kind == LabelKind::Role && HasLegalForm(value)) {
+        // "Verantwortlich:" over the firm's own line; "Inhaberin: Eva Roth e. K." is her.
+        const QString owner = label.kind == LabelKind::Role && HasLegalForm(value)
+                                  ? WithoutSoleTraderForm(value)
+                                  : value;
+        if (owner.isEmpty() || (owner.size() < value.size() && !ParsePerson(owner, false))) {
             l.kind = Kind::Company;
             l.strength = 3;
             l.why += u"Firma hinter dem Etikett"_s;
             return;
         }
         // A list of people: the first one counts.
-        QString first = value;
+        QString first = owner;
         // "1. Vorsitzende: Name" under "Vertreten durch:".
         if (const qsizetype colon = first.indexOf(u": "_s); colon > 0)
             first = first.mid(colon + 2);
+        // "Eva Roth, Dr. Jan Hahn (Präsident)": the chair before the first named.
+        for (const QString& part : first.split(u", "_s))
+            if (part.contains(u" ("_s) && IsChairLine(part)) {
+                first = part;
+                break;
+            }
         for (const QString& sep : {u", "_s, u" und "_s, u" and "_s, u" & "_s, u"; "_s}) {
             // "Meier, Hans" is one person, written surname first.
             if (sep == u", "_s && label.kind != LabelKind::Role) {
@@ -477,9 +498,9 @@ bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
             return is(Kind::Person, u"Name hinter \"i. A.\" oder \"ppa.\""_s);
         }
     }
-    // "lic. iur. Anna Meier" starts small and is a name.
+    // "lic. iur. Anna Meier" starts small and is a name, "wortwerk kommunikation GmbH" a firm.
     if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s) &&
-        DegreeOnly(tw.front()).isEmpty())
+        DegreeOnly(tw.front()).isEmpty() && !(t.count(u' ') < 5 && HasLegalForm(t)))
         return is(Kind::Prose, u"beginnt klein: Satz"_s);
     const int words = int(tw.size());
     const bool firmFirst = knowledge().companyWords.has(BareKey(tw.front()).str()) &&
@@ -487,6 +508,9 @@ bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
     if (words > 9 && !(firmFirst && words <= 14))
         return is(Kind::Prose, u"mehr als neun Wörter: Satz"_s);
     if (HasLegalForm(t)) {
+        // "HRB 198876 B, AG Charlottenburg": the court, not a firm.
+        if (IsRegisterLine(t))
+            return is(Kind::Noise, u"Registereintrag"_s);
         l.strength = 3;
         return is(Kind::Company, u"Rechtsform"_s);
     }

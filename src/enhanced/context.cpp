@@ -110,6 +110,11 @@ void Analysis::context()
                     (j == blockStart && l.kind == Kind::Salutation && !l.labelled &&
                      senderAbove(blockStart)))
                     recipient = true;
+                // "Madame Hélène Garnier" over her own address, under the letterhead's.
+                if (j == blockStart && l.kind == Kind::Person && !l.labelled &&
+                    !l.person.anrede.isEmpty() && senderAbove(blockStart))
+                    for (int k = j + 1; k < i && !recipient; ++k)
+                        recipient = m_lines[k].kind == Kind::PostcodeCity;
             }
             if (recipient)
                 recipientBlocks.append(blockStart);
@@ -241,6 +246,54 @@ void Analysis::context()
         }
     }
 
+    // "Geschäftsführer:" over several names: the ones below the first are further members of
+    // the same list, however well marked, not a contact of their own.
+    for (int i = m_from; i < m_to; ++i) {
+        if (m_lines[i].skipped || m_lines[i].kind != Kind::Person ||
+            m_lines[i].personSource != PersonSource::Role)
+            continue;
+        if (const int label = prevInBlock(i); label < 0 || m_lines[label].kind != Kind::LabelOnly)
+            continue; // "Inhaber: Eva Roth" over the firm is no list
+        for (int j = nextInBlock(i); j >= 0; j = nextInBlock(j)) {
+            Line& c = m_lines[j];
+            if (c.labelled)
+                break;
+            if (c.kind == Kind::Job && c.source == m_lines[j - 1].source)
+                continue; // "Thomas Imhof, CFO"
+            const bool person =
+                c.nameShaped &&
+                (c.kind == Kind::Unknown ||
+                 (c.kind == Kind::Person && c.personSource == PersonSource::Marked));
+            if (!person)
+                break;
+            c.kind = Kind::Person;
+            c.personSource = PersonSource::Role;
+            c.why = u"weitere Person der Aufzählung darüber"_s;
+            i = j;
+        }
+    }
+
+    // "Hoffstätter Raumausstattung" over "Inh. Lena Hoffstätter": the owner's firm.
+    for (int i = m_from; i < m_to; ++i) {
+        const Line& owner = m_lines[i];
+        if (owner.skipped || owner.kind != Kind::Person || owner.personSource != PersonSource::Role)
+            continue;
+        const QString lower = owner.text.left(12).toLower();
+        if (!lower.startsWith(u"inh"_s) && !lower.startsWith(u"owner"_s) &&
+            !lower.startsWith(u"propriétaire"_s) && !lower.startsWith(u"titolare"_s))
+            continue;
+        const int prev = prevInBlock(i);
+        if (prev < 0)
+            continue;
+        Line& firm = m_lines[prev];
+        if (firm.kind == Kind::Unknown && CountDigitsIn(firm.text) == 0 &&
+            Words(firm.text).size() <= 6 && firm.text[0].isUpper()) {
+            firm.kind = Kind::Company;
+            firm.strength = 1;
+            firm.why = u"über dem Inhaber: Firma"_s;
+        }
+    }
+
     // People: behind a closing formula, or a name with more evidence.
     QStringList mailLocals;
     QStringList domains;
@@ -350,6 +403,18 @@ void Analysis::context()
         if (l.skipped || l.kind != Kind::Company || l.labelled)
             continue;
         const int prev = prevInBlock(i);
+        // "ARCHITEKTURBÜRO" / "FALKENRATH + NIES": a trade word alone over the names.
+        if (prev >= 0 && l.strength <= 2 && m_lines[prev].kind == Kind::Unknown &&
+            Words(m_lines[prev].text).size() == 1 && CountDigitsIn(m_lines[prev].text) == 0 &&
+            knowledge().companyWords.has(Bare(m_lines[prev].text))) {
+            Line& p = m_lines[prev];
+            l.text = p.text + u' ' + l.text;
+            l.strength = 2;
+            l.why += u"; mit dem Gewerbe in der Zeile davor ein Name"_s;
+            p.skipped = true;
+            p.skipWhy = u"Teil des Firmennamens darunter"_s;
+            continue;
+        }
         if (l.strength == 3 && prev >= 0) {
             Line& p = m_lines[prev];
             const bool letters =

@@ -102,6 +102,10 @@ Knowledge load()
         else
             k.noiseWords.insert(e);
     }
+    for (const QString& e : entries(u"place_hints.txt"_s)) {
+        const qsizetype bar = e.indexOf(u'|');
+        k.placeHints.insert(e.left(bar), e.mid(bar + 1));
+    }
     for (const QString& e : entries(u"greetings.txt"_s)) {
         const qsizetype colon = e.indexOf(u':');
         const QString kind = e.left(colon);

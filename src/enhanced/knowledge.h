@@ -93,6 +93,7 @@ struct Knowledge {
     // The keys of the word, country, salutation and noise lists in one set: a person's name
     // is checked against all of them for every word.
     QSet<QString> notNameWords;
+    QHash<QString, QString> placeHints; // "town:zug", "canton:ZG", "word:grüezi" -> country
 
     const Label* label(const QString& lowerLabel) const;
 };

@@ -1,6 +1,8 @@
 #include "recognise.h"
 #include "wordbits.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
@@ -61,10 +63,38 @@ bool HasLegalForm(QStringView text)
 {
     const Knowledge& k = knowledge();
     const bool caps = IsAllCaps(text);
-    for (QStringView w : Words(text)) {
+    const auto known = [&k, caps](const QString& s) {
+        return k.legalForms.contains(s) || (caps && k.legalFormsUpper.contains(s.toUpper()));
+    };
+    // Forms of several words ("S.à r.l.", "Sp. z o.o."), by their first word.
+    static const QHash<QString, QStringList> spaced = [&k] {
+        QHash<QString, QStringList> out;
+        for (const QString& f : k.legalForms)
+            if (f.contains(u' '))
+                out[f.section(u' ', 0, 0)].append(f);
+        return out;
+    }();
+    static const qsizetype spacedLead = [] {
+        qsizetype longest = 0;
+        for (auto it = spaced.cbegin(); it != spaced.cend(); ++it)
+            longest = std::max(longest, it.key().size());
+        return longest;
+    }();
+    const WordViews words = Words(text);
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        const QStringView w = words[i];
         const QString s = stripTrailing(w, u",;");
-        if (k.legalForms.contains(s) || (caps && k.legalFormsUpper.contains(s.toUpper())))
+        if (known(s))
             return true;
+        // "e. V.", "e. K.": an abbreviation written apart.
+        if (i + 1 < words.size() && s.size() == 2 && s[1] == u'.' && words[i + 1].size() <= 5 &&
+            known(s + stripTrailing(words[i + 1], u",;")))
+            return true;
+        if (const auto it = s.size() <= spacedLead ? spaced.constFind(s) : spaced.cend();
+            it != spaced.cend())
+            for (const QString& form : *it)
+                if (QStringView(text).mid(w.data() - text.data()).startsWith(form))
+                    return true;
         // "Verwaltungs-GmbH"
         if (const qsizetype dash = s.lastIndexOf(u'-'); dash > 0) {
             const QString tail = s.mid(dash + 1);
@@ -73,6 +103,63 @@ bool HasLegalForm(QStringView text)
         }
     }
     return false;
+}
+
+bool IsRegisterLine(QStringView text)
+{
+    static const QSet<QString> marks{u"hrb"_s,
+                                     u"hra"_s,
+                                     u"vr"_s,
+                                     u"gnr"_s,
+                                     u"prr"_s,
+                                     u"fn"_s,
+                                     u"amtsgericht"_s,
+                                     u"registergericht"_s,
+                                     u"handelsregister"_s,
+                                     u"firmenbuch"_s,
+                                     u"rcs"_s,
+                                     u"r.c.s."_s,
+                                     u"kvk"_s,
+                                     u"krs"_s,
+                                     u"cvr"_s};
+    if (CountDigitsIn(text) == 0)
+        return false;
+    const WordViews w = Words(text);
+    return std::any_of(w.cbegin(), w.cend(),
+                       [](QStringView word) { return marks.contains(Bare(word)); });
+}
+
+QString WithoutDecoration(const QString& text)
+{
+    const auto ornament = [](QChar c) {
+        return c == u'★' || c == u'☆' || c == u'✩' || c == u'✪' || c == u'✭' || c == u'✮' ||
+               c == u'✯' || c == u'⭐';
+    };
+    if (std::none_of(text.cbegin(), text.cend(),
+                     [&ornament](QChar c) { return c.unicode() >= 0x2600 && ornament(c); }))
+        return text;
+    QString out;
+    for (QChar c : text)
+        if (!ornament(c))
+            out.append(c);
+    while (out.contains(u"  "_s))
+        out.replace(u"  "_s, u" "_s);
+    out = out.trimmed();
+    return out.isEmpty() ? text : out;
+}
+
+QString WithoutSoleTraderForm(QStringView text)
+{
+    static const QSet<QString> forms{u"e.k."_s, u"e.kfm."_s, u"e.kfr."_s, u"e.u."_s};
+    const WordViews w = Words(text);
+    for (qsizetype n = 1; n <= 2 && n < w.size(); ++n) {
+        QString tail;
+        for (qsizetype i = w.size() - n; i < w.size(); ++i)
+            tail += w[i].toString().toLower();
+        if (forms.contains(tail))
+            return stripTrailing(text.left(w[w.size() - n].data() - text.data()).trimmed(), u",");
+    }
+    return {};
 }
 
 bool IsCompanyWordLine(QStringView text)
@@ -101,8 +188,12 @@ bool IsDepartmentLine(QStringView text)
         return w[0][0].isUpper() && !k.departmentWords.words.contains(bare) &&
                k.departmentWords.has(bare) && !k.companyWords.words.contains(bare);
     }
+    // "Sales Department", "Marketing Division": English names the unit last.
+    const QString tail = Bare(w.back());
     return k.departmentWords.words.contains(BareKey(w[0]).str()) ||
-           k.departmentWords.words.contains(Bare(w[0]) + u' ' + Bare(w[1]));
+           k.departmentWords.words.contains(Bare(w[0]) + u' ' + Bare(w[1])) ||
+           (w.size() <= 4 && (tail == u"department"_s || tail == u"division"_s) &&
+            w[0][0].isUpper());
 }
 
 bool IsJobLine(QStringView text)
@@ -120,6 +211,15 @@ bool IsJobLine(QStringView text)
     return false;
 }
 
+bool IsSloganLine(QStringView text)
+{
+    static const QSet<QString> addressed{u"ihr"_s,   u"ihre"_s, u"ihrem"_s, u"ihren"_s, u"dein"_s,
+                                         u"deine"_s, u"your"_s, u"votre"_s, u"vos"_s,   u"uw"_s};
+    const auto w = Words(text);
+    // "Ihr Max Muster" under a closing is the signer, not a slogan.
+    return w.size() >= 3 && addressed.contains(Bare(w[0])) && !ParsePerson(text, false);
+}
+
 bool IsKnownGivenName(QStringView word)
 {
     const LowerKey lowerKey(word);
@@ -129,6 +229,19 @@ bool IsKnownGivenName(QStringView word)
     // "Kai-Uwe", "Hans-Peter"
     const qsizetype dash = lower.indexOf(u'-');
     return dash > 0 && knowledge().givenNames.contains(lower.left(dash));
+}
+
+bool IsChairLine(QStringView text)
+{
+    static const QStringList chairs{u"präsident"_s, u"president"_s,  u"vorsitz"_s,
+                                    u"chairman"_s,  u"chairwoman"_s, u"obmann"_s,
+                                    u"obfrau"_s,    u"présiden"_s,   u"presidente"_s};
+    static const QStringList deputies{u"vize"_s,     u"vice"_s, u"stellv"_s,
+                                      u"aufsicht"_s, u"2. "_s,  u"3. "_s};
+    const QString lower = text.toString().toLower();
+    const auto in = [&lower](const QString& w) { return lower.contains(w); };
+    return std::any_of(chairs.cbegin(), chairs.cend(), in) &&
+           std::none_of(deputies.cbegin(), deputies.cend(), in);
 }
 
 std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
@@ -150,7 +263,9 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     while (i < w.size()) {
         const BareKey bareKey(w[i]);
         const QString& bare = bareKey.str();
-        if (const auto it = k.salutations.constFind(bare); it != k.salutations.cend()) {
+        // Dutch lawyers write "mr." small; the English salutation is "Mr."
+        if (const auto it = k.salutations.constFind(bare);
+            it != k.salutations.cend() && !isDegree(w[i], false)) {
             p.anrede = it->german;
             p.addressee = it->addressee;
             p.marked = true;
@@ -185,6 +300,17 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
         names.append(stripTrailing(w[j], u","));
     if (names.size() < 2 || names.size() > 4)
         return std::nullopt;
+    // OCR reads "l" and "o" as digits: "Ma1te" is Malte when that is a known given name.
+    if (CountDigitsIn(names[0]) > 0) {
+        QString mended = names[0];
+        for (qsizetype j = 0; j < mended.size(); ++j)
+            if (mended[j] == u'0')
+                mended[j] = j == 0 ? u'O' : u'o';
+            else if (mended[j] == u'1')
+                mended[j] = j == 0 ? u'I' : u'l';
+        if (IsKnownGivenName(mended))
+            names[0] = mended;
+    }
     // A comma inside ("Meier, Hans") or behind the first word turns the order.
     for (qsizetype j = 0; j < names.size(); ++j) {
         const QString& n = names[j];
@@ -257,6 +383,33 @@ QString DegreeOnly(QStringView text)
         if (!isDegree(w[i], caps) && !isDegreeFollow(w[i], caps))
             return {};
     return text.toString();
+}
+
+QString WithoutUnitWord(const QString& text)
+{
+    const WordViews w = Words(text);
+    if (w.size() < 2 || !w[1][0].isUpper())
+        return text; // "Abteilung für Kardiologie" keeps its word
+    const QString first = Bare(w[0]);
+    if (first != u"abteilung"_s && first != u"abt."_s)
+        return text;
+    return QStringView(text).mid(w[1].data() - text.data()).toString();
+}
+
+std::optional<PersonName> OwnerInFirmName(QStringView text)
+{
+    const Knowledge& k = knowledge();
+    const WordViews w = Words(text);
+    qsizetype i = 0;
+    while (i < w.size() && w[i][0].isUpper() && k.companyWords.has(Bare(w[i])))
+        ++i;
+    if (i == 0 || w.size() - i < 2 || w.size() - i > 6)
+        return std::nullopt;
+    // "Praxis Dr. med. Jonas Keller": a degree marks the name as well as a known given name.
+    auto p = ParsePerson(text.mid(w[i].data() - text.data()), false);
+    if (!p || !(p->knownGiven || !p->titel.isEmpty()) || !p->anrede.isEmpty())
+        return std::nullopt;
+    return p;
 }
 
 } // namespace zf::enhanced

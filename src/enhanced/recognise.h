@@ -87,10 +87,22 @@ bool IsAddressExtra(QStringView text);
 QString CountryName(QStringView text);
 
 bool HasLegalForm(QStringView text);
+// A register entry ("HRB 1234, AG Musterstadt", "FN 123456 a"), whose court may read as a firm.
+bool IsRegisterLine(QStringView text);
+// Without rating stars and similar ornaments ("Hotel Adler ★★★★").
+QString WithoutDecoration(const QString& text);
+// "Eva Roth e. K." without the sole trader's form behind the name, else empty.
+QString WithoutSoleTraderForm(QStringView text);
 bool IsCompanyWordLine(QStringView text);
 bool IsDepartmentLine(QStringView text);
+// "Abteilung Kundenservice" -> "Kundenservice": the unit's name without the generic word.
+QString WithoutUnitWord(const QString& text);
 bool IsJobLine(QStringView text);
+// A slogan addressed to the reader ("Ihr Partner für Sanitär"), never a firm's name.
+bool IsSloganLine(QStringView text);
 bool IsKnownGivenName(QStringView word);
+// An imprint's line naming the chair ("Präsident", "1. Vorsitzender", "Chairman").
+bool IsChairLine(QStringView text);
 
 // A person's name with what may stand in front (salutation, degrees, a job word, "Ihr").
 // needMarker: only when a salutation or degree stands in front.
@@ -100,5 +112,8 @@ QStringView WithoutProxyMark(QStringView text);
 // A lone salutation ("Herr") or degree ("Dipl.-Kffr.") line.
 QString SalutationOnly(QStringView text);
 QString DegreeOnly(QStringView text);
+// The owner named in a firm after its trade ("Malerbetrieb Hans Meier"), when the given name
+// is a known one or a degree stands in front.
+std::optional<PersonName> OwnerInFirmName(QStringView text);
 
 } // namespace zf::enhanced

@@ -1,0 +1,318 @@
+// The enhanced analysis on people and firms: who of several named people is the contact,
+// which degrees and designations stand around a name, which line is the firm, and what a
+// block says about its country. Invented texts; one table per question.
+
+#include "enhanced/enhanced.h"
+
+#include <QTest>
+
+using namespace zf;
+
+namespace {
+
+// The contact as the transfer files it: per field the last row's non-blank value,
+// "Field=value" sorted, joined with " | ".
+QString filed(const Session& s)
+{
+    QMap<QString, QString> byField;
+    for (int r = 0; r < FieldRows::RowCount; ++r) {
+        const int pos = s.rows.selected(r);
+        if (pos >= 0 && !s.rows.value(r).trimmed().isEmpty())
+            byField[s.rows.fields().nameAt(pos)] = s.rows.value(r);
+    }
+    QStringList out;
+    for (auto it = byField.cbegin(); it != byField.cend(); ++it)
+        out.append(it.key() + u'=' + it.value());
+    return out.join(QStringLiteral(" | "));
+}
+
+// Only the fields a case names are compared: the rest is other tables' business.
+QString picked(const QString& all, const QStringList& fields)
+{
+    QStringList out;
+    for (const QString& part : all.split(QStringLiteral(" | "), Qt::SkipEmptyParts))
+        if (fields.contains(part.section(u'=', 0, 0)))
+            out.append(part);
+    return out.join(QStringLiteral(" | "));
+}
+
+struct FreshSession : Session {
+    FreshSession() { rows.FillDefaultFieldLists(); }
+};
+
+void addCase(const char* name, const char* text, const char* expected)
+{
+    QTest::newRow(name) << QString::fromUtf8(text) << QString::fromUtf8(expected);
+}
+
+void columns()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected");
+}
+
+} // namespace
+
+class TestEnhancedPeople : public QObject {
+    Q_OBJECT
+
+private slots:
+    void representatives_data();
+    void representatives() { check(); }
+    void degrees_data();
+    void degrees() { check(); }
+    void firms_data();
+    void firms() { check(); }
+    void departments_data();
+    void departments() { check(); }
+    void countries_data();
+    void countries() { check(); }
+    void letters_data();
+    void letters() { check(); }
+
+private:
+    // Expected: "Field=value | …" for the fields that matter; a field written "Field=" must
+    // stay empty.
+    void check()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, expected);
+        QStringList fields;
+        QStringList want;
+        for (const QString& part : expected.split(QStringLiteral(" | "), Qt::SkipEmptyParts)) {
+            fields.append(part.section(u'=', 0, 0));
+            if (!part.section(u'=', 1).isEmpty())
+                want.append(part);
+        }
+        FreshSession s;
+        FetchClipboardTextEnhanced(text, s, Seams{});
+        std::sort(want.begin(), want.end());
+        QCOMPARE(picked(filed(s), fields), want.join(QStringLiteral(" | ")));
+    }
+};
+
+void TestEnhancedPeople::representatives_data()
+{
+    columns();
+    addCase("managing directors under their label, designations behind",
+            "Impressum\n\nHallwanger & Tesch Wirtschaftsprüfung GmbH\nKornmarkt 4\n"
+            "99084 Erfurt\n\nGeschäftsführer:\nDipl.-Kfm. Anselm Hallwanger, WP, StB\n"
+            "Dr. Ricarda Tesch, StB\n",
+            "Titel=Dipl.-Kfm. | Vorname=Anselm | Nachname=Hallwanger | "
+            "Kontakt=Anselm Hallwanger");
+    addCase("people with functions, the first one counts",
+            "Vertretungsberechtigte Personen:\nLeonie Marbach, COO\nDr. Henning Quast, CEO\n"
+            "Quast Logistik AG\nSpeicherweg 2\n28197 Bremen\n",
+            "Titel= | Vorname=Leonie | Nachname=Marbach | Kontakt=Leonie Marbach");
+    addCase("board with its president named later",
+            "Alpsee Holding AG\nSeestrasse 40\n8810 Horgen\nSchweiz\n\n"
+            "Geschäftsführer: Armin Gubler\n"
+            "Verwaltungsrat: Jolanda Ritz, Dr. Peter Hänggi (Präsident)\n",
+            "Vorname=Peter | Nachname=Hänggi | Titel=Dr. | Kontakt=Peter Hänggi");
+    addCase("president first in the board line",
+            "Oberland Gewürze AG\nHaldenweg 9\n3600 Thun\n\n"
+            "Verwaltungsrat: lic. oec. Beatrice Zaugg (Präsidentin), Ruedi Amstutz\n"
+            "Geschäftsleitung: Fabian Roth\n",
+            "Titel=lic. oec. | Vorname=Beatrice | Nachname=Zaugg | Kontakt=Beatrice Zaugg");
+    addCase("a deputy chair is not the chair",
+            "Verein Stadtgarten e.V.\nParkweg 1\n79098 Freiburg\n\n"
+            "1. Vorsitzende: Hanna Ebinger\nstellv. Vorsitzender: Jochen Maurer\n",
+            "Vorname=Hanna | Nachname=Ebinger");
+    addCase("sole trader behind the owner's name",
+            "Impressum\nKaffeerösterei Bohnenglück\nInhaber: Tobias Wendeling e.K.\n"
+            "Röstereigasse 3\n93047 Regensburg\n",
+            "Firma=Kaffeerösterei Bohnenglück | Vorname=Tobias | Nachname=Wendeling | "
+            "Kontakt=Tobias Wendeling");
+    addCase("owner line under a firm without legal form",
+            "Gruß\nSilke\n\nWendt Polsterwerkstatt\nInh. Silke Wendt\nKanalstraße 12\n"
+            "23552 Lübeck\n",
+            "Firma=Wendt Polsterwerkstatt | Vorname=Silke | Nachname=Wendt");
+    addCase("a firm under an owner's inline label is no second owner",
+            "Inhaber: Bodo Klaasen\nKlaasen Elektro\nDeichweg 5\n26721 Emden\n",
+            "Vorname=Bodo | Nachname=Klaasen | Kontakt=Bodo Klaasen");
+    addCase("Dutch management under a colophon heading",
+            "Colofon\nDrukkerij Van Dam B.V.\nMolenstraat 3\n2011 AB Haarlem\nNederland\n"
+            "Directie: Ruud van Dam\nKvK 12345678\n",
+            "Firma=Drukkerij Van Dam B.V. | Vorname=Ruud | Nachname=van Dam");
+    addCase("Spanish administrator",
+            "Aviso legal\nTalleres Ruiz S.L.\nCalle Mayor 5\n28013 Madrid\nEspaña\n"
+            "Administrador: Javier Ruiz Ortega\n",
+            "Firma=Talleres Ruiz S.L. | Vorname=Javier | Nachname=Ruiz Ortega");
+    addCase("French manager label",
+            "Mentions légales\nBoulangerie Lefèvre SARL\n8, rue des Tanneurs\n67000 Strasbourg\n"
+            "France\nGérante : Sophie Lefèvre-Klein\n",
+            "Firma=Boulangerie Lefèvre SARL | Vorname=Sophie | Nachname=Lefèvre-Klein");
+    addCase("Luxembourg firm written with spaces in its legal form",
+            "Moselblick Services S.à r.l.\n4, route du Vin\nL-5440 Remerschen\n"
+            "Gérant : Jean Hoffmann\n",
+            "Firma=Moselblick Services S.à r.l. | Vorname=Jean | Nachname=Hoffmann");
+    addCase("official letter: information given by",
+            "Landkreis Wolfsgrund\nAmt für Wasserwirtschaft\nAm Wehr 2\n38300 Wolfenbüttel\n\n"
+            "Auskunft erteilt: Herr Dipl.-Ing. (FH) Lars Mertesacker\nTelefon 05331 84-212\n",
+            "Anrede=Herr | Titel=Dipl.-Ing. (FH) | Vorname=Lars | Nachname=Mertesacker");
+    addCase("combined name label of a form",
+            "Vorname / Name: Reto Amsler\nFirma: Amsler Holzbau AG\nPLZ / Ort: 5000 Aarau\n",
+            "Vorname=Reto | Nachname=Amsler | Kontakt=Reto Amsler");
+}
+
+void TestEnhancedPeople::degrees_data()
+{
+    columns();
+    addCase("Dutch engineer",
+            "Met vriendelijke groet,\n\nIr. Maarten de Graaf\nProjectleider\n"
+            "Graaf Waterbouw B.V.\nHavenweg 12\n3011 AB Rotterdam\n",
+            "Titel=Ir. | Vorname=Maarten | Nachname=de Graaf | Kontakt=Maarten de Graaf");
+    addCase("Dutch graduate with three-word surname",
+            "Drs. Anouk van den Berg\nBerg Advies B.V.\nKeizersgracht 100\n1015 AA Amsterdam\n",
+            "Titel=Drs. | Vorname=Anouk | Nachname=van den Berg");
+    addCase("Dutch lawyer's degree written small, unlike the English salutation",
+            "mr. drs. Sanne Visser\nVisser Advocaten\nHerengracht 20\n1015 BK Amsterdam\n",
+            "Anrede= | Titel=mr. drs. | Vorname=Sanne | Nachname=Visser");
+    addCase("English salutation",
+            "Mr. Oliver Grant\nGrant Joinery Ltd\n4 Mill Lane\nYork YO1 7HH\n",
+            "Anrede=Herr | Titel= | Vorname=Oliver | Nachname=Grant");
+    addCase("Italian doctor, female form",
+            "Distinti saluti\n\nDott.ssa Francesca Moretti\nMoretti Consulenze S.r.l.\n"
+            "Via Roma 12\n40121 Bologna\nItalia\n",
+            "Titel=Dott.ssa | Vorname=Francesca | Nachname=Moretti");
+    addCase("Italian lawyer on a card",
+            "STUDIO LEGALE ROSSI\nAvv. Marco Rossi\nCorso Vittorio Emanuele 8\n10121 Torino\n"
+            "Italia\n",
+            "Titel=Avv. | Vorname=Marco | Nachname=Rossi | Kontakt=Marco Rossi");
+    addCase("honorary doctorate spelt apart",
+            "Prof. Dr. h. c. Gertrud Vollmer\nVollmer Stiftung\nLindenallee 2\n53113 Bonn\n",
+            "Titel=Prof. Dr. h. c. | Vorname=Gertrud | Nachname=Vollmer");
+    addCase("professional designations behind the name are no surname",
+            "Mit freundlichen Grüßen\nKonstanze Abeling, RA, StB\nAbeling Recht GmbH\n"
+            "Rechtsweg 1\n30159 Hannover\n",
+            "Vorname=Konstanze | Nachname=Abeling | Kontakt=Konstanze Abeling");
+    addCase("American designation behind the name",
+            "Best regards,\nSamantha Ortiz, CPA\nOrtiz Accounting LLC\n",
+            "Vorname=Samantha | Nachname=Ortiz");
+    addCase("Polish master engineer, written small",
+            "Z poważaniem\nmgr inż. Tomasz Nowicki\nNowicki Budownictwo Sp. z o.o.\n",
+            "Titel=mgr inż. | Vorname=Tomasz | Nachname=Nowicki | "
+            "Firma=Nowicki Budownictwo Sp. z o.o.");
+    addCase("Swiss abbreviated salutation",
+            "Fr. Dr. Corinne Wyss\nWyss Kommunikation GmbH\nMarktgasse 8\n3011 Bern\n",
+            "Anrede=Frau | Titel=Dr. | Vorname=Corinne | Nachname=Wyss");
+    addCase("OCR digit in a known given name",
+            "Ho1ger Brinkmann\nHafenmeister\nHafen Brinkmann GmbH\nKaiweg 5\n27568 Bremerhaven\n",
+            "Vorname=Holger | Nachname=Brinkmann");
+    addCase("OCR zero read as O at the start",
+            "0laf Tiedemann\nTiedemann Bau GmbH\nBaustraße 1\n24103 Kiel\n",
+            "Vorname=Olaf | Nachname=Tiedemann");
+}
+
+void TestEnhancedPeople::firms_data()
+{
+    columns();
+    addCase("register line with the court abbreviated is no firm",
+            "Viele Grüße\nJana Reuter\n\nkontur design GmbH\nLindenstraße 8 | 10969 Berlin\n"
+            "Geschäftsführung: Jana Reuter | HRB 12345 B, AG Charlottenburg\n",
+            "Firma=kontur design GmbH | Vorname=Jana | Nachname=Reuter");
+    addCase("rating stars and a slogan",
+            "Herzliche Grüße\nIhr Team vom\nBerghotel Edelweiß ★★★★S\n"
+            "Ihre Auszeit in den Bergen\nAlmweg 3 · 87561 Oberstdorf\n",
+            "Firma=Berghotel Edelweiß S");
+    addCase("stars mark the name even without a trade word",
+            "Zur Alten Mühle ★★★\nIhr Genuss am Fluss\nMühlenweg 2\n97080 Würzburg\n",
+            "Firma=Zur Alten Mühle");
+    addCase("a slogan over the address is no firm",
+            "Viele Grüße\nKai Brunnert\n\nBRUNNERT\nIhre Wohlfühloase im Bad\n"
+            "Rohrweg 4\n59065 Hamm\n",
+            "Firma=BRUNNERT | Vorname=Kai");
+    addCase("trade word over the partners' names in capitals",
+            "INGENIEURBÜRO\nHAGEN + STRAUCH\n\nDipl.-Ing. Till Strauch\nBrunnenweg 7\n"
+            "34117 Kassel\n",
+            "Firma=INGENIEURBÜRO HAGEN + STRAUCH | Vorname=Till | Nachname=Strauch");
+    addCase("club with its legal form spelt apart",
+            "Impressum\nSV Blau-Weiß Hohenfelde 1921 e. V.\nSportplatzweg 3\n22087 Hamburg\n"
+            "Vorstand: Ingo Petersen\n",
+            "Firma=SV Blau-Weiß Hohenfelde 1921 e. V. | Vorname=Ingo | Nachname=Petersen");
+    addCase("practice named after its owner",
+            "Ergotherapie Miriam Sauerland\nGartenstraße 14\n48143 Münster\n"
+            "Tel. 0251 / 44 55 66\n",
+            "Firma=Ergotherapie Miriam Sauerland | Vorname=Miriam | Nachname=Sauerland | "
+            "Kontakt=Miriam Sauerland");
+    addCase("practice named after its doctor",
+            "Praxis Dr. med. dent. Jonas Keller\nZahnarzt\nKirchgasse 4\n79098 Freiburg\n",
+            "Firma=Praxis Dr. med. dent. Jonas Keller | Titel=Dr. med. dent. | Vorname=Jonas | "
+            "Nachname=Keller");
+    addCase("a trade with a place name names nobody",
+            "Bäckerei Am Markt\nMarktplatz 2\n37073 Göttingen\n",
+            "Firma=Bäckerei Am Markt | Vorname= | Nachname=");
+    addCase("card: trade, name, functions",
+            "Fotografie am Deich\nJannik Ohlsen\nFotograf · Bildbearbeitung\nDeichstraße 40\n"
+            "25813 Husum\n",
+            "Firma=Fotografie am Deich | Vorname=Jannik | Nachname=Ohlsen");
+}
+
+void TestEnhancedPeople::departments_data()
+{
+    columns();
+    addCase("the generic word goes",
+            "Kreiswerke Hollstedt GmbH\nAbteilung Netzanschluss\nWerkstraße 2\n29633 Munster\n",
+            "Abteilung=Netzanschluss | Firma=Kreiswerke Hollstedt GmbH");
+    addCase("a unit with a preposition keeps it",
+            "Abteilung für Unfallchirurgie\nKlinikum Nordheide\nKlinikweg 1\n21244 Buchholz\n",
+            "Abteilung=Abteilung für Unfallchirurgie");
+    addCase("English unit named last",
+            "Kind regards\nHelen Marsh\nCustomer Service Department\nMarsh Tools Ltd\n"
+            "3 Station Road\nLeeds LS1 4DY\n",
+            "Abteilung=Customer Service Department | Vorname=Helen | Firma=Marsh Tools Ltd");
+    addCase("Italian office is a unit, not a person",
+            "Cordiali saluti\n\nLuca Ferri\nUfficio Acquisti\nFerri Meccanica S.p.A.\n"
+            "Via Emilia 200\n41121 Modena\n",
+            "Abteilung=Ufficio Acquisti | Vorname=Luca | Nachname=Ferri");
+}
+
+void TestEnhancedPeople::countries_data()
+{
+    columns();
+    addCase("Swiss town without country line",
+            "Freundliche Grüsse\nMarco Egli\nEgli Gartenbau GmbH\nRiedstrasse 4\n"
+            "8400 Winterthur\n",
+            "PLZ=8400 | Land=Schweiz");
+    addCase("canton code behind the town",
+            "Beat Imboden\nImboden Sanitär AG\nDorfstrasse 1\n3920 Zermatt VS\n", "Land=Schweiz");
+    addCase("Swiss greeting",
+            "Grüezi Herr Baumann\n\nBesten Dank für Ihre Anfrage.\n\nFreundlich\nRahel Vogt\n"
+            "Vogt Treuhand GmbH\nHauptgasse 3\n4500 Kleinstadt\n",
+            "Land=Schweiz");
+    addCase("Liechtenstein municipality", "Kaufmann Bau Anstalt\nIndustriestrasse 5\n9494 Schaan\n",
+            "Land=Liechtenstein");
+    addCase("Austrian town stays Austria",
+            "Liebe Grüße\nKatharina Moser\nMoser Reisen GmbH\nHerrengasse 4\n8010 Graz\n",
+            "Land=Österreich");
+    addCase("Italian city with a five-digit postcode and nothing else",
+            "Bianchi Tessuti S.r.l.\nVia Po 8\n10124 Torino\n", "Land=Italien");
+    addCase("German town keeps the default",
+            "Kurz Metallbau GmbH\nRingstraße 8\n72764 Reutlingen\n", "Land=Deutschland");
+    addCase("a Swiss mobile label",
+            "Urs Haldimann\nHaldimann Velos\nBahnhofweg 3\n3550 Langnau\nNatel 079 123 45 67\n",
+            "Land=Schweiz");
+}
+
+void TestEnhancedPeople::letters_data()
+{
+    columns();
+    addCase("French letter: the addressee with her own address is not the sender",
+            "CABINET DURAND\n3, place Bellecour\n69002 Lyon\nFrance\n\n"
+            "Madame Odile Marchand\n12, rue Victor Hugo\n69003 Lyon\n\nObjet : Devis\n\n"
+            "Madame,\n\nVeuillez trouver ci-joint notre devis.\n\nThierry Durand\nAvocat\n",
+            "Anrede= | Vorname=Thierry | Nachname=Durand | Adresse=3, place Bellecour");
+    addCase("a signature with a salutation and no other address stays the contact",
+            "Herr Dr. Volker Assmann\nAssmann Consulting\nBergstraße 9\n69120 Heidelberg\n",
+            "Anrede=Herr | Vorname=Volker | Nachname=Assmann");
+    addCase("reply: the signer's mail from the quoted header",
+            "Danke, passt.\n\nGruss\nLukas Brand\nBrand Elektro AG\nBahnhofstrasse 2, 6300 Zug\n\n"
+            "-----Ursprüngliche Nachricht-----\n"
+            "Von: Sara Koch <s.koch@koch-druck.example.ch>\n"
+            "Gesendet: Montag, 2. März 2026 10:00\n"
+            "An: Lukas Brand <l.brand@brand-elektro.example.ch>\nBetreff: Offerte\n",
+            "eMail=l.brand@brand-elektro.example.ch | Vorname=Lukas | Land=Schweiz");
+}
+
+QTEST_GUILESS_MAIN(TestEnhancedPeople)
+#include "tst_enhanced_people.moc"
