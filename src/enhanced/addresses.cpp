@@ -5,6 +5,54 @@ using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
 
+namespace {
+
+// How many leading words of w form a postcode of one of the known shapes ("60-104",
+// "851 02", "H91 X2K7"), 0 when none; the country of the shape in *land.
+qsizetype shapedPostcode(const QList<QStringView>& w, qsizetype from, QString* land)
+{
+    const auto fits = [](QStringView word, QStringView shape) {
+        if (word.size() != shape.size())
+            return false;
+        for (qsizetype i = 0; i < word.size(); ++i) {
+            const QChar c = word[i];
+            const bool upper = c >= u'A' && c <= u'Z';
+            const bool ok = shape[i] == u'N'   ? isDigit(c)
+                            : shape[i] == u'A' ? upper
+                            : shape[i] == u'X' ? upper || isDigit(c)
+                                               : c == shape[i];
+            if (!ok)
+                return false;
+        }
+        return true;
+    };
+    for (const auto& [shape, country] : knowledge().postalFormats) {
+        const QList<QStringView> parts = Words(shape);
+        if (from + parts.size() > w.size())
+            continue;
+        bool all = true;
+        for (qsizetype i = 0; all && i < parts.size(); ++i)
+            all = fits(w[from + i], parts[i]);
+        if (all) {
+            *land = country;
+            return parts.size();
+        }
+    }
+    return 0;
+}
+
+// "Milano (MI)": the province code behind an Italian (or Spanish) town is no part of it;
+// "Lingen (Ems)" keeps its river.
+QString withoutProvince(const QString& city)
+{
+    if (city.size() > 5 && city.endsWith(u')') && city[city.size() - 5] == u' ' &&
+        city[city.size() - 4] == u'(' && IsAllCaps(QStringView(city).mid(city.size() - 3, 2)))
+        return city.left(city.size() - 5);
+    return city;
+}
+
+} // namespace
+
 std::optional<Place> ParsePostcodeCity(QStringView text)
 {
     const Knowledge& k = knowledge();
@@ -22,6 +70,57 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
     const QList<QStringView> w = Words(t);
     if (w.isEmpty())
         return std::nullopt;
+
+    // A postcode of another shape, in front of the town ("60-104 Poznań", "851 02 Sundsvall",
+    // "PL-60-104 Poznań") or behind it ("Galway H91 X2K7").
+    if (w.size() >= 2) {
+        QString land;
+        qsizetype from = 0;
+        QString head = w[0].toString();
+        if (const qsizetype dash = head.indexOf(u'-'); dash > 0 && dash <= 3) {
+            const auto it = k.postalPrefixes.constFind(head.left(dash).toUpper());
+            if (it != k.postalPrefixes.cend() && !isDigit(head[0])) {
+                const QList<QStringView> rest =
+                    Words(QStringView(t).mid(w[0].data() - t.constData() + dash + 1));
+                if (const qsizetype n = shapedPostcode(rest, 0, &land);
+                    n > 0 && land == it->country && n < rest.size()) {
+                    Place p;
+                    p.plz = joined(rest, 0, n);
+                    p.ort = withoutProvince(t.mid(rest[n].data() - t.constData()).trimmed());
+                    p.land = land;
+                    p.system = land;
+                    if (p.ort[0].isUpper() && CountDigitsIn(p.ort) == 0)
+                        return p;
+                }
+            }
+        }
+        qsizetype n = shapedPostcode(w, from, &land);
+        bool behind = false;
+        if (n == 0) {
+            for (qsizetype s = 1; s < w.size() && n == 0; ++s)
+                if (const qsizetype m = shapedPostcode(w, s, &land);
+                    m > 0 && s + m == w.size() && CountDigitsIn(w[s]) < w[s].size()) {
+                    n = m;
+                    from = s;
+                    behind = true;
+                }
+        }
+        if (n > 0 && (behind || n < w.size())) {
+            Place p;
+            p.plz = joined(w, from, from + n);
+            p.ort = behind ? stripTrailing(t.left(w[from].data() - t.constData()).trimmed(), u",")
+                           : t.mid(w[n].data() - t.constData()).trimmed();
+            p.ort = withoutProvince(p.ort);
+            p.land = land;
+            p.system = land;
+            bool street = false;
+            for (QStringView cw : Words(p.ort))
+                street = street || k.streetWords.words.contains(Bare(cw));
+            if (!p.ort.isEmpty() && p.ort[0].isLetter() && p.ort[0].isUpper() &&
+                CountDigitsIn(p.ort) == 0 && !street && Words(p.ort).size() <= 5)
+                return p;
+        }
+    }
 
     // US: "Chicago, IL 60601"
     if (w.size() >= 3) {
@@ -118,7 +217,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
         return std::nullopt;
     Place p;
     p.plz = plz;
-    p.ort = city;
+    p.ort = withoutProvince(city);
     p.land = land;
     p.system = system.isEmpty() ? QString::number(digits.size()) : system;
     return p;
@@ -127,6 +226,13 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
 std::optional<Place> ParsePostcodeOnly(QStringView text)
 {
     const QList<QStringView> w = Words(text);
+    if (QString land; !w.isEmpty() && shapedPostcode(w, 0, &land) == w.size()) {
+        Place p;
+        p.plz = joined(w, 0, w.size());
+        p.land = land;
+        p.system = land;
+        return p;
+    }
     if (w.size() != 1)
         return std::nullopt;
     QString code = w[0].toString();
@@ -145,12 +251,58 @@ std::optional<Place> ParsePostcodeOnly(QStringView text)
     return p;
 }
 
+namespace {
+
+// A scanned l or o read as a digit inside a word: "Marktp1atz" is "Marktplatz".
+QString withLettersMended(QStringView text)
+{
+    QString out;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        const bool inWord = i > 0 && i + 1 < text.size() && text[i - 1].isLetter() &&
+                            text[i + 1].isLetter() && text[i - 1].isLower() &&
+                            text[i + 1].isLower();
+        if (inWord && (c == u'1' || c == u'0')) {
+            if (out.isEmpty())
+                out = text.toString();
+            out[i] = c == u'1' ? u'l' : u'o';
+        }
+    }
+    return out;
+}
+
+// "bus 5", "box 5", "bte 5" behind a Belgian or Dutch house number: the letter box.
+qsizetype letterBoxWords(const QList<QStringView>& w)
+{
+    static const QSet<QString> heads{u"bus"_s, u"box"_s, u"bte"_s, u"bte."_s, u"boîte"_s};
+    const qsizetype n = w.size();
+    if (n >= 4 && heads.contains(w[n - 2].toString().toLower()) && CountDigitsIn(w[n - 1]) > 0 &&
+        CountDigitsIn(w[n - 1]) + 1 >= w[n - 1].size() && CountDigitsIn(w[n - 3]) > 0)
+        return 2;
+    return 0;
+}
+
+} // namespace
+
 int StreetStrength(QStringView text, QString* value)
 {
     const Knowledge& k = knowledge();
-    const QList<QStringView> w = Words(text);
+    if (const QString mended = withLettersMended(text); !mended.isEmpty())
+        return StreetStrength(mended, value);
+    QList<QStringView> w = Words(text);
     if (w.size() < 2 || w.size() > 8)
         return 0;
+    QString letterBox;
+    if (const qsizetype n = letterBoxWords(w); n > 0) {
+        letterBox = text.mid(w[w.size() - n].data() - text.data()).toString();
+        w.resize(w.size() - n);
+        if (w.back().endsWith(u',')) {
+            letterBox.prepend(u", "_s);
+            w.back().chop(1);
+        } else {
+            letterBox.prepend(u' ');
+        }
+    }
     const auto houseNumber = [](QStringView s, QString* mended) {
         // "12", "2a", "8–10", "18/4", "2O"
         qsizetype i = 0;
@@ -167,7 +319,11 @@ int StreetStrength(QStringView text, QString* value)
             out.append(s[i]);
             ++i;
         }
-        if (i < s.size() && QStringView(u"-–/").contains(s[i])) {
+        // Vienna writes staircase and door too: "17/2/7".
+        for (int group = 0; group < 3 && i < s.size() && QStringView(u"-–/").contains(s[i]);
+             ++group) {
+            if (group > 0 && s[i] != u'/')
+                return false;
             out.append(s[i++]);
             const qsizetype start = i;
             while (i < s.size() && isDigit(s[i]))
@@ -198,7 +354,8 @@ int StreetStrength(QStringView text, QString* value)
     // "Name 12" and "Name 12 a"
     qsizetype last = w.size() - 1;
     QString suffix;
-    if (w.size() >= 3 && w[last].size() == 1 && w[last][0].isLetter() && w[last][0].isLower()) {
+    if (w.size() >= 3 && w[last].size() == 1 && w[last][0].isLetter() &&
+        (w[last][0].isLower() || (w[last][0].isUpper() && CountDigitsIn(w[last - 1]) > 0))) {
         suffix = w[last].toString();
         --last;
     }
@@ -212,7 +369,8 @@ int StreetStrength(QStringView text, QString* value)
         }
         if (named && (w[0][0].isUpper())) {
             const QStringView head = text.left(w[last].data() - text.data()).trimmed();
-            *value = head.toString() + u' ' + number + (suffix.isEmpty() ? u""_s : u' ' + suffix);
+            *value = head.toString() + u' ' + number + (suffix.isEmpty() ? u""_s : u' ' + suffix) +
+                     letterBox;
             if (word)
                 return 2;
             if (k.streetLeadWords.contains(Bare(w[0])))
@@ -233,10 +391,11 @@ int StreetStrength(QStringView text, QString* value)
 
 bool IsPoBox(QStringView text)
 {
-    static const QStringList heads{u"postfach"_s,        u"postf."_s,        u"pf"_s,
-                                   u"p.o. box"_s,        u"po box"_s,        u"p. o. box"_s,
-                                   u"p.o.box"_s,         u"postbus"_s,       u"case postale"_s,
-                                   u"casella postale"_s, u"boîte postale"_s, u"bp"_s};
+    static const QStringList heads{
+        u"postfach"_s,        u"postf."_s,  u"pf"_s,      u"p.o. box"_s,     u"po box"_s,
+        u"p. o. box"_s,       u"p.o.box"_s, u"postbus"_s, u"case postale"_s, u"casella postale"_s,
+        u"boîte postale"_s,   u"bp"_s,      u"box"_s,     u"postboks"_s,     u"postbox"_s,
+        u"skrytka pocztowa"_s};
     const QString lower = text.toString().toLower();
     for (const QString& h : heads) {
         if (!startsWithWord(lower, h))

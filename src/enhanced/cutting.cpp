@@ -57,6 +57,41 @@ QString withoutMarkup(QString s)
     return s.trimmed();
 }
 
+namespace {
+
+constexpr int ColumnGap = 3; // blanks in a row that may part two columns
+
+// Where the runs of blanks inside a line end that may part columns: not behind a label
+// ("Tel.     0711", "Firma   :  Muster") and not in front of a colon.
+QList<qsizetype> gapEnds(QStringView line)
+{
+    QList<qsizetype> out;
+    const auto blank = [](QChar c) { return c == u' ' || c == QChar(0xa0); };
+    qsizetype cell = -1; // start of the text in front of the run
+    for (qsizetype i = 0; i < line.size();) {
+        if (!blank(line[i])) {
+            if (cell < 0)
+                cell = i;
+            ++i;
+            continue;
+        }
+        qsizetype j = i;
+        while (j < line.size() && blank(line[j]))
+            ++j;
+        if (cell >= 0 && j - i >= ColumnGap && j < line.size() && line[j] != u':') {
+            const QStringView before = line.mid(cell, i - cell);
+            if (!before.endsWith(u':') && !knowledge().label(before.toString().toLower())) {
+                out.append(j);
+                cell = -1;
+            }
+        }
+        i = j;
+    }
+    return out;
+}
+
+} // namespace
+
 void Analysis::cut(const QString& text, const QString& separator)
 {
     static const QString headStart = u"Details der "_s;
@@ -64,17 +99,48 @@ void Analysis::cut(const QString& text, const QString& separator)
     QString whole = text;
     whole.replace(u"\r\n"_s, separator);
     const QStringList pieces = whole.split(separator, Qt::KeepEmptyParts);
-    int source = 0;
-    int block = 0;
-    bool lastBlank = true;
+    QList<QStringView> rawLines;
     for (const QString& piece : pieces) {
         // Stray line breaks inside a piece still end a line.
         qsizetype from = 0;
-        for (qsizetype i = 0; i <= piece.size(); ++i) {
+        for (qsizetype i = 0; i <= piece.size() && rawLines.size() <= MaxLines; ++i) {
             if (i < piece.size() && piece[i] != u'\r' && piece[i] != u'\n')
                 continue;
-            const QStringView rawLine = QStringView(piece).mid(from, i - from);
+            rawLines.append(QStringView(piece).mid(from, i - from));
             from = i + 1;
+        }
+    }
+    // A footer in columns: runs of blanks that end at the same place in neighbouring lines
+    // part its cells like tabs.
+    QList<QList<qsizetype>> gaps(rawLines.size());
+    bool anyGap = false;
+    for (qsizetype n = 0; n < rawLines.size(); ++n) {
+        if (rawLines[n].size() > MaxLineLength || !rawLines[n].contains(u"   "_s))
+            continue;
+        gaps[n] = gapEnds(rawLines[n]);
+        anyGap = anyGap || !gaps[n].isEmpty();
+    }
+    const auto columnLine = [&](qsizetype n) {
+        QString line = rawLines[n].toString();
+        for (qsizetype g = gaps[n].size() - 1; g >= 0; --g) {
+            const qsizetype end = gaps[n][g];
+            if (!(n > 0 && gaps[n - 1].contains(end)) &&
+                !(n + 1 < gaps.size() && gaps[n + 1].contains(end)))
+                continue;
+            qsizetype start = end;
+            while (start > 0 && (line[start - 1] == u' ' || line[start - 1] == QChar(0xa0)))
+                --start;
+            line.replace(start, end - start, u'\t');
+        }
+        return line;
+    };
+    int source = 0;
+    int block = 0;
+    bool lastBlank = true;
+    for (qsizetype n = 0; n < rawLines.size(); ++n) {
+        {
+            const QString columns = anyGap && !gaps[n].isEmpty() ? columnLine(n) : QString();
+            const QStringView rawLine = columns.isEmpty() ? rawLines[n] : QStringView(columns);
             if (++source > MaxLines) {
                 m_truncated = true;
                 return;
@@ -108,9 +174,9 @@ void Analysis::cut(const QString& text, const QString& separator)
             l.block = block;
             l.quoted = quoted;
             if (t.startsWith(headStart) && t.endsWith(headEnd)) {
-                const qsizetype n = t.size() - headStart.size() - headEnd.size();
+                const qsizetype len = t.size() - headStart.size() - headEnd.size();
                 l.kind = Kind::Heading;
-                l.value = n > 0 ? t.mid(headStart.size(), n).trimmed() : QString();
+                l.value = len > 0 ? t.mid(headStart.size(), len).trimmed() : QString();
                 l.text = t;
                 l.why = u"Kopfzeile \"Details der … schließen\""_s;
             } else {

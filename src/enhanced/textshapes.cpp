@@ -35,6 +35,75 @@ std::optional<Label> combinedPhoneLabel(const QString& lowerLabel)
     return out;
 }
 
+// A phone label word, also as the end of a compound ("Rezepthotline", "Notfall-Handy").
+const Label* phoneWord(const QString& lowerWord)
+{
+    const Knowledge& k = knowledge();
+    if (const Label* l = k.label(lowerWord))
+        return l->kind == LabelKind::Phone ? l : nullptr;
+    if (const qsizetype dash = lowerWord.lastIndexOf(u'-'); dash > 0)
+        return phoneWord(lowerWord.mid(dash + 1));
+    // Long words only: "Steuernummer" and "Kundennr." end in no phone word.
+    static const QStringList stems{u"telefon"_s, u"hotline"_s, u"handy"_s,
+                                   u"telefax"_s, u"mobil"_s,   u"phone"_s};
+    for (const QString& stem : stems)
+        if (lowerWord.size() > stem.size() + 2 && lowerWord.endsWith(stem))
+            return k.label(stem);
+    return nullptr;
+}
+
+// A label not in the list that still names a phone or mail: "Telefon tagsüber", "Telefon
+// Geschäftsstelle", "Notfall-Handy", "Our phone number remains unchanged", "General
+// mailbox". Only with a value that is nothing but a number or an address when the label
+// does not start with the phone word.
+std::optional<Label> looseLabel(const QString& lowerLabel, QStringView value)
+{
+    const Knowledge& k = knowledge();
+    QString tight = lowerLabel;
+    tight.replace(u" / "_s, u"/"_s);
+    if (const Label* l = k.label(tight); l && tight != lowerLabel)
+        return *l;
+    const QStringList words =
+        QString(lowerLabel).replace(u'/', u' ').split(u' ', Qt::SkipEmptyParts);
+    if (words.isEmpty() || words.size() > 6 || value.isEmpty())
+        return std::nullopt;
+    std::optional<Label> phone;
+    bool mail = false;
+    bool leading = false;
+    const auto qualify = [&phone](const Label* l) {
+        if (!phone)
+            phone = Label{LabelKind::Phone, {}};
+        // An emergency mobile is an emergency line; a fax number is a fax whatever else.
+        const QString& q = l->qualifier;
+        const QString& have = phone->qualifier;
+        if (!q.isEmpty() &&
+            (have.isEmpty() || q == u"fax"_s || (q == u"second"_s && have != u"fax"_s)))
+            phone->qualifier = q;
+    };
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        const QString& w = words[i];
+        mail = mail || w.contains(u"mail"_s) || w == u"courriel"_s;
+        const Label* l = phoneWord(w);
+        if (!l)
+            continue;
+        leading = leading || i == 0;
+        qualify(l);
+        // "Notfall-Handy": the part in front qualifies too.
+        if (const qsizetype dash = w.indexOf(u'-'); dash > 0)
+            if (const Label* head = k.label(w.left(dash)); head && head->kind == LabelKind::Phone)
+                qualify(head);
+    }
+    if (phone) {
+        const bool number =
+            leading ? ParsePhone(value, false).has_value() : ParsePhone(value, true).has_value();
+        if (number)
+            return phone;
+    }
+    if (mail && Words(value).size() == 1 && !FindEMail(value).isEmpty())
+        return Label{LabelKind::Email, {}};
+    return std::nullopt;
+}
+
 } // namespace
 
 QList<QStringView> Words(QStringView text)
@@ -195,7 +264,11 @@ std::optional<LabelHit> ParseLabel(QStringView text)
     const Knowledge& k = knowledge();
     const qsizetype colon = text.indexOf(u':');
     if (colon > 0 && colon <= 60 && !text.mid(colon).startsWith(u"://"_s)) {
-        const QStringView name = text.left(colon).trimmed();
+        QStringView name = text.left(colon).trimmed();
+        // "Bereitschaft (24 h):": a note in brackets qualifies the label, it is no value.
+        if (const qsizetype open = name.indexOf(u" ("_s);
+            open > 0 && name.endsWith(u')') && name.count(u'(') == 1)
+            name = name.left(open);
         // An ordinal may open a label ("1. Vorsitzende:"), other digits make it a value.
         const bool ordinal = name.size() > 3 && isDigit(name[0]) && name[1] == u'.' &&
                              name[2] == u' ' && CountDigitsIn(name) == 1;
@@ -211,7 +284,18 @@ std::optional<LabelHit> ParseLabel(QStringView text)
             } else if (const auto combined = combinedPhoneLabel(lower)) {
                 hit.known = true;
                 hit.label = *combined;
+            } else if (const auto loose = looseLabel(lower, hit.rest)) {
+                hit.known = true;
+                hit.label = *loose;
             }
+            // "Tel. (Zentrale):"
+            const QStringView note = text.left(colon).mid(name.size()).trimmed();
+            if (hit.known && hit.label.kind == LabelKind::Phone && note.size() > 2 &&
+                note.front() == u'(' && note.back() == u')')
+                if (const Label* q =
+                        k.label(note.mid(1, note.size() - 2).trimmed().toString().toLower());
+                    q && q->kind == LabelKind::Phone && !q->qualifier.isEmpty())
+                    hit.label.qualifier = q->qualifier;
             return hit;
         }
     }
