@@ -321,8 +321,9 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         classifyInto(inner, parts, depth + 1);
         if (parts.size() == 1 && (parts[0].kind == Kind::Unknown || parts[0].kind == Kind::Noise)) {
             if (onlyIfAddress) {
-                l.kind = Kind::Noise;
-                l.why += u"hinter dem Etikett keine Anschrift"_s;
+                // "NEU: Praxis Eva Roth": no address, but a line of the contact all the same.
+                l = parts[0];
+                l.why = u"hinter dem Etikett keine Anschrift: "_s + l.why;
                 return;
             }
             l.kind = Kind::Street;
@@ -474,7 +475,8 @@ bool Analysis::classifyOne(Line& l)
     }
     // "lic. iur. Anna Meier" starts small and is a name.
     if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s) &&
-        DegreeOnly(Words(t).front()).isEmpty())
+        DegreeOnly(Words(t).front()).isEmpty() &&
+        !knowledge().streetLeadWords.contains(Bare(Words(t).front())))
         return is(Kind::Prose, u"beginnt klein: Satz"_s);
     const int words = int(Words(t).size());
     const bool firmFirst =

@@ -272,8 +272,11 @@ std::optional<LabelHit> ParseLabel(QStringView text)
         // An ordinal may open a label ("1. Vorsitzende:"), other digits make it a value.
         const bool ordinal = name.size() > 3 && isDigit(name[0]) && name[1] == u'.' &&
                              name[2] == u' ' && CountDigitsIn(name) == 1;
-        if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal) && !name.contains(u'@') &&
-            Words(name).size() <= 6) {
+        // So may the number of a form's line: "Address line 1:", "Adresszeile 2:".
+        const bool lineNumber = name.size() > 3 && isDigit(name.back()) &&
+                                name[name.size() - 2] == u' ' && CountDigitsIn(name) == 1;
+        if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal || lineNumber) &&
+            !name.contains(u'@') && Words(name).size() <= 6) {
             LabelHit hit;
             hit.name = name.toString();
             hit.rest = text.mid(colon + 1).trimmed().toString();
