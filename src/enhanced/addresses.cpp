@@ -367,7 +367,7 @@ int StreetStrength(QStringView text, QString* value)
                 named = false;
             word = word || streetWord(w[i]);
         }
-        if (named && (w[0][0].isUpper())) {
+        if (named && (w[0][0].isUpper() || k.streetLeadWords.contains(Bare(w[0])))) {
             const QStringView head = text.left(w[last].data() - text.data()).trimmed();
             *value = head.toString() + u' ' + number + (suffix.isEmpty() ? u""_s : u' ' + suffix) +
                      letterBox;

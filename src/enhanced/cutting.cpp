@@ -80,7 +80,9 @@ QList<qsizetype> gapEnds(QStringView line)
             ++j;
         if (cell >= 0 && j - i >= ColumnGap && j < line.size() && line[j] != u':') {
             const QStringView before = line.mid(cell, i - cell);
-            if (!before.endsWith(u':') && !knowledge().label(before.toString().toLower())) {
+            const bool label = Words(before).size() <= 3 && !before.contains(u": "_s) &&
+                               knowledge().label(before.toString().toLower());
+            if (!before.endsWith(u':') && !label) {
                 out.append(j);
                 cell = -1;
             }
