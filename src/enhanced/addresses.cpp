@@ -218,6 +218,11 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
     Place p;
     p.plz = plz;
     p.ort = withoutProvince(city);
+    // Only Italy puts a province code behind the town of a five-digit postcode.
+    if (land.isEmpty() && digits.size() == 5 && p.ort.size() < city.size()) {
+        land = u"Italien"_s;
+        system = land;
+    }
     p.land = land;
     p.system = system.isEmpty() ? QString::number(digits.size()) : system;
     return p;

@@ -365,15 +365,40 @@ void Analysis::fillRows(FieldRows& rows) const
         rows.SelectRowField(row, qint16(idOf(v.field)));
         ++row;
     }
-    // What could not be placed is offered without a field, for the user to choose.
-    for (int i = m_from; i < m_to && row < FieldRows::RowCount; ++i) {
-        const Line& l = m_lines[i];
-        if (l.skipped || !l.taken.isEmpty() || l.kind != Kind::Unknown)
-            continue;
-        rows.setValue(row, l.text);
-        rows.setSelected(row, -1);
-        ++row;
-    }
+    // What could not be placed is offered without a field, for the user to choose: first
+    // the lines that were not understood, then those that read like a contact's data but
+    // lost to another line, then short sentences ("Muster Sp. z o.o." ends like one).
+    const auto offered = [](const Line& l, int pass) {
+        switch (l.kind) {
+        case Kind::Unknown:
+            return pass == 0;
+        case Kind::Company:
+        case Kind::Department:
+        case Kind::Job:
+        case Kind::Person:
+        case Kind::Street:
+        case Kind::Address2:
+        case Kind::PoBox:
+        case Kind::PostcodeCity:
+        case Kind::Phone:
+        case Kind::Email:
+        case Kind::Website:
+            return pass == 1;
+        case Kind::Prose:
+            return pass == 2 && Words(l.text).size() <= 8;
+        default:
+            return false;
+        }
+    };
+    for (int pass = 0; pass < 3; ++pass)
+        for (int i = m_from; i < m_to && row < FieldRows::RowCount; ++i) {
+            const Line& l = m_lines[i];
+            if (l.skipped || !l.taken.isEmpty() || !offered(l, pass))
+                continue;
+            rows.setValue(row, l.text);
+            rows.setSelected(row, -1);
+            ++row;
+        }
 }
 
 } // namespace zf::enhanced
