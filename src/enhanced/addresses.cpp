@@ -1,6 +1,8 @@
 #include "recognise.h"
 #include "wordbits.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
@@ -26,8 +28,19 @@ qsizetype shapedPostcode(const QList<QStringView>& w, qsizetype from, QString* l
         }
         return true;
     };
-    for (const auto& [shape, country] : knowledge().postalFormats) {
-        const QList<QStringView> parts = Words(shape);
+    static const QList<std::pair<QStringList, QString>> shapes = [] {
+        QList<std::pair<QStringList, QString>> out;
+        for (const auto& [shape, country] : knowledge().postalFormats)
+            out.append({shape.split(u' ', Qt::SkipEmptyParts), country});
+        return out;
+    }();
+    // Most words carry no digit; when every shape opens with one, they are passed over.
+    static const bool digitFirst = std::all_of(shapes.cbegin(), shapes.cend(), [](const auto& s) {
+        return !s.first.isEmpty() && s.first.front().contains(u'N');
+    });
+    if (from >= w.size() || (digitFirst && CountDigitsIn(w[from]) == 0))
+        return 0;
+    for (const auto& [parts, country] : shapes) {
         if (from + parts.size() > w.size())
             continue;
         bool all = true;
@@ -281,8 +294,9 @@ qsizetype letterBoxWords(const QList<QStringView>& w)
 {
     static const QSet<QString> heads{u"bus"_s, u"box"_s, u"bte"_s, u"bte."_s, u"boîte"_s};
     const qsizetype n = w.size();
-    if (n >= 4 && heads.contains(w[n - 2].toString().toLower()) && CountDigitsIn(w[n - 1]) > 0 &&
-        CountDigitsIn(w[n - 1]) + 1 >= w[n - 1].size() && CountDigitsIn(w[n - 3]) > 0)
+    if (n >= 4 && w[n - 2].size() <= 5 && heads.contains(w[n - 2].toString().toLower()) &&
+        CountDigitsIn(w[n - 1]) > 0 && CountDigitsIn(w[n - 1]) + 1 >= w[n - 1].size() &&
+        CountDigitsIn(w[n - 3]) > 0)
         return 2;
     return 0;
 }

@@ -291,15 +291,19 @@ std::optional<LabelHit> ParseLabel(QStringView text)
                 hit.known = true;
                 hit.label = *loose;
             }
-            // "Tel. (Zentrale):"
-            const QStringView note = text.left(colon).mid(name.size()).trimmed();
-            if (hit.known && hit.label.kind == LabelKind::Phone && note.size() > 2 &&
-                note.front() == u'(' && note.back() == u')')
-                if (const Label* q =
-                        k.label(note.mid(1, note.size() - 2).trimmed().toString().toLower());
-                    q && q->kind == LabelKind::Phone && !q->qualifier.isEmpty())
-                    hit.label.qualifier = q->qualifier;
-            return hit;
+            // "Halle 3: Eingang Süd" is no label but a place.
+            const bool numbered = lineNumber && !ordinal && CountDigitsIn(name) > 0;
+            if (hit.known || !numbered) {
+                // "Tel. (Zentrale):"
+                const QStringView note = text.left(colon).mid(name.size()).trimmed();
+                if (hit.known && hit.label.kind == LabelKind::Phone && note.size() > 2 &&
+                    note.front() == u'(' && note.back() == u')')
+                    if (const Label* q =
+                            k.label(note.mid(1, note.size() - 2).trimmed().toString().toLower());
+                        q && q->kind == LabelKind::Phone && !q->qualifier.isEmpty())
+                        hit.label.qualifier = q->qualifier;
+                return hit;
+            }
         }
     }
     // Phone, mail and web labels also stand without a colon: "Tel. 0711 1234", "Fax 0711".
