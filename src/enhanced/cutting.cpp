@@ -102,6 +102,7 @@ void Analysis::cut(const QString& text, const QString& separator)
     whole.replace(u"\r\n"_s, separator);
     const QStringList pieces = whole.split(separator, Qt::KeepEmptyParts);
     QList<QStringView> rawLines;
+    rawLines.reserve(pieces.size());
     for (const QString& piece : pieces) {
         // Stray line breaks inside a piece still end a line.
         qsizetype from = 0;
@@ -114,9 +115,11 @@ void Analysis::cut(const QString& text, const QString& separator)
     }
     // A footer in columns: runs of blanks that end at the same place in neighbouring lines
     // part its cells like tabs.
-    QList<QList<qsizetype>> gaps(rawLines.size());
+    QList<QList<qsizetype>> gaps;
     bool anyGap = false;
-    for (qsizetype n = 0; n < rawLines.size(); ++n) {
+    if (whole.contains(u"   "_s))
+        gaps.resize(rawLines.size());
+    for (qsizetype n = 0; n < gaps.size(); ++n) {
         if (rawLines[n].size() > MaxLineLength || !rawLines[n].contains(u"   "_s))
             continue;
         gaps[n] = gapEnds(rawLines[n]);

@@ -100,7 +100,7 @@ QString nationalDigits(const QString& number, QString* country)
         if (digits.startsWith(u"00"_s))
             digits = digits.mid(2);
         for (const DialCode& d : knowledge().dialCodes) {
-            const QString code = d.code.mid(1);
+            const QStringView code = QStringView(d.code).mid(1);
             if (digits.startsWith(code)) {
                 *country = d.country;
                 return digits.mid(code.size());
