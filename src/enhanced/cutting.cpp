@@ -1,5 +1,7 @@
 #include "engine.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
@@ -114,42 +116,70 @@ void Analysis::cut(const QString& text, const QString& separator)
         }
     }
     // A footer in columns: runs of blanks that end at the same place in neighbouring lines
-    // part its cells like tabs.
+    // part its cells. Such lines are read column by column, each column a block of its own,
+    // so that a firm, its street and its town stand under each other again.
     QList<QList<qsizetype>> gaps;
-    bool anyGap = false;
-    if (whole.contains(u"   "_s))
+    if (whole.contains(u"   "_s)) {
+        QList<QList<qsizetype>> ends(rawLines.size());
+        for (qsizetype n = 0; n < rawLines.size(); ++n)
+            if (rawLines[n].size() <= MaxLineLength && rawLines[n].contains(u"   "_s))
+                ends[n] = gapEnds(rawLines[n]);
         gaps.resize(rawLines.size());
-    for (qsizetype n = 0; n < gaps.size(); ++n) {
-        if (rawLines[n].size() > MaxLineLength || !rawLines[n].contains(u"   "_s))
-            continue;
-        gaps[n] = gapEnds(rawLines[n]);
-        anyGap = anyGap || !gaps[n].isEmpty();
+        for (qsizetype n = 0; n < rawLines.size(); ++n)
+            for (qsizetype end : ends[n])
+                if ((n > 0 && ends[n - 1].contains(end)) ||
+                    (n + 1 < ends.size() && ends[n + 1].contains(end)))
+                    gaps[n].append(end);
     }
-    const auto columnLine = [&](qsizetype n) {
-        QString line = rawLines[n].toString();
-        for (qsizetype g = gaps[n].size() - 1; g >= 0; --g) {
-            const qsizetype end = gaps[n][g];
-            if (!(n > 0 && gaps[n - 1].contains(end)) &&
-                !(n + 1 < gaps.size() && gaps[n + 1].contains(end)))
-                continue;
-            qsizetype start = end;
-            while (start > 0 && (line[start - 1] == u' ' || line[start - 1] == QChar(0xa0)))
-                --start;
-            line.replace(start, end - start, u'\t');
-        }
-        return line;
+    struct Unit {
+        QStringView text;
+        int source;
     };
-    int source = 0;
+    QList<Unit> units;
+    units.reserve(rawLines.size());
+    for (qsizetype n = 0; n < rawLines.size(); ++n) {
+        if (gaps.isEmpty() || gaps[n].isEmpty()) {
+            units.append({rawLines[n], int(n + 1)});
+            continue;
+        }
+        qsizetype last = n;
+        QList<qsizetype> starts;
+        for (; last < rawLines.size() && !gaps[last].isEmpty(); ++last)
+            for (qsizetype end : gaps[last])
+                if (!starts.contains(end))
+                    starts.append(end);
+        std::sort(starts.begin(), starts.end());
+        units.append({QStringView(), int(n + 1)});
+        for (qsizetype column = 0; column <= starts.size(); ++column) {
+            for (qsizetype m = n; m < last; ++m) {
+                const QStringView line = rawLines[m];
+                qsizetype from = 0;
+                for (qsizetype g = 0; g <= gaps[m].size(); ++g) {
+                    qsizetype to = g < gaps[m].size() ? gaps[m][g] : line.size();
+                    const qsizetype next = to;
+                    while (g < gaps[m].size() && to > from && line[to - 1].isSpace())
+                        --to;
+                    const qsizetype at =
+                        std::upper_bound(starts.cbegin(), starts.cend(), from) - starts.cbegin();
+                    if (at == column)
+                        units.append({line.mid(from, to - from), int(m + 1)});
+                    from = next;
+                }
+            }
+            units.append({QStringView(), int(last)});
+        }
+        n = last - 1;
+    }
+    if (rawLines.size() > MaxLines)
+        m_truncated = true;
     int block = 0;
     bool lastBlank = true;
-    for (qsizetype n = 0; n < rawLines.size(); ++n) {
+    for (const Unit& unit : units) {
         {
-            const QString columns = anyGap && !gaps[n].isEmpty() ? columnLine(n) : QString();
-            const QStringView rawLine = columns.isEmpty() ? rawLines[n] : QStringView(columns);
-            if (++source > MaxLines) {
-                m_truncated = true;
+            const QStringView rawLine = unit.text;
+            const int source = unit.source;
+            if (source > MaxLines)
                 return;
-            }
             QString t = cleaned(rawLine.left(MaxLineLength * 4));
             bool quoted = false;
             while (!t.isEmpty() && (t.front() == u'>' || t.front() == u' ')) {

@@ -234,6 +234,14 @@ void TestEnhancedPlaces::columns_data()
             "Telefon=0421 / 33 22 11-0 | Fax=0421 / 33 22 11-9 | "
             "eMail=info@elektro-sommer.example.de | Website=www.elektro-sommer.example.de | "
             "Kontakt=Jan Sommer");
+    addCase("authority letter: PO box in the sender line, street in the footer's first column",
+            "Amt Seeland · Postfach 3 · 17000 Seehausen\n\nFrau\nErika Muster\nDorfstr. 3\n"
+            "17001 Seehausen\n\nMit freundlichen Grüßen\nIm Auftrag\nKlaus Beck\n\n"
+            "Amt Seeland            Telefon 03971 20 20         Bankverbindung\n"
+            "Am Hafen 2             Telefax 03971 20 21         Sparkasse\n"
+            "17000 Seehausen        amt@seeland.example.de      IBAN DE12 3456\n",
+            "Adresse=Am Hafen 2 | Adresse 2=Postfach 3 | PLZ=17000 | Telefon=03971 20 20 | "
+            "Fax=03971 20 21 | Kontakt=Klaus Beck");
     addCase("aligned labels are no columns", "Tel.     0711 / 40 40 40\nFax      0711 / 40 40 41\n",
             "Telefon=0711 / 40 40 40 | Fax=0711 / 40 40 41");
     addCase("aligned colons are no columns",
