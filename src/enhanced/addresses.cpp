@@ -10,7 +10,7 @@ namespace zf::enhanced {
 namespace {
 
 // How many leading words of w form a postcode of one of the known shapes ("60-104",
-// "851 02", "H91 X2K7"), 0 when none; the country of the shape in *land.
+// "851 02", "H91 X2K7"), 0 when none; the countries of the shape in *land, "|" between.
 qsizetype shapedPostcode(const QList<QStringView>& w, qsizetype from, QString* land)
 {
     const auto fits = [](QStringView word, QStringView shape) {
@@ -96,12 +96,12 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
                 const QList<QStringView> rest =
                     Words(QStringView(t).mid(w[0].data() - t.constData() + dash + 1));
                 if (const qsizetype n = shapedPostcode(rest, 0, &land);
-                    n > 0 && land == it->country && n < rest.size()) {
+                    n > 0 && land.split(u'|').contains(it->country) && n < rest.size()) {
                     Place p;
                     p.plz = joined(rest, 0, n);
                     p.ort = withoutProvince(t.mid(rest[n].data() - t.constData()).trimmed());
-                    p.land = land;
-                    p.system = land;
+                    p.land = it->country;
+                    p.system = p.land;
                     if (p.ort[0].isUpper() && CountDigitsIn(p.ort) == 0)
                         return p;
                 }
@@ -124,8 +124,9 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
             p.ort = behind ? stripTrailing(t.left(w[from].data() - t.constData()).trimmed(), u",")
                            : t.mid(w[n].data() - t.constData()).trimmed();
             p.ort = withoutProvince(p.ort);
-            p.land = land;
-            p.system = land;
+            p.land = land.section(u'|', 0, 0);
+            p.system = p.land;
+            p.shared = land.contains(u'|');
             bool street = false;
             for (QStringView cw : Words(p.ort))
                 street = street || k.streetWords.words.contains(Bare(cw));
@@ -247,8 +248,9 @@ std::optional<Place> ParsePostcodeOnly(QStringView text)
     if (QString land; !w.isEmpty() && shapedPostcode(w, 0, &land) == w.size()) {
         Place p;
         p.plz = joined(w, 0, w.size());
-        p.land = land;
-        p.system = land;
+        p.land = land.section(u'|', 0, 0);
+        p.system = p.land;
+        p.shared = land.contains(u'|');
         return p;
     }
     if (w.size() != 1)

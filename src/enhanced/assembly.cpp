@@ -181,14 +181,29 @@ void Analysis::assemble()
             }
         }
         static const QSet<QString> fourDigit{u"Österreich"_s, u"Schweiz"_s,   u"Liechtenstein"_s,
-                                             u"Belgien"_s,    u"Luxemburg"_s, u"Dänemark"_s};
-        static const QSet<QString> fiveDigit{u"Deutschland"_s, u"Frankreich"_s, u"Italien"_s};
+                                             u"Belgien"_s,    u"Luxemburg"_s, u"Dänemark"_s,
+                                             u"Norwegen"_s,   u"Ungarn"_s};
+        static const QSet<QString> fiveDigit{u"Deutschland"_s, u"Frankreich"_s, u"Italien"_s,
+                                             u"Spanien"_s,     u"Finnland"_s,   u"Polen"_s};
         if (system == u"4"_s)
             land = fourDigit.contains(hinted) ? hinted : m_state.StandardLand4PLZ;
         else if (system == u"5"_s)
             land = fiveDigit.contains(hinted) ? hinted : m_state.StandardLand5PLZ;
         else if (!system.isEmpty())
             land = m_lines[place].place.land;
+    }
+    // "110 00 Praha" has the shape of a Swedish postcode too: a country line or the phone
+    // numbers tell which.
+    if (place >= 0 && m_lines[place].place.shared) {
+        if (countryLine >= 0)
+            land = m_lines[countryLine].value;
+        else
+            for (int i = m_from; i < m_to; ++i)
+                if (usable(i) && m_lines[i].kind == Kind::Phone &&
+                    !CountryOfNumber(m_lines[i].value).isEmpty()) {
+                    land = CountryOfNumber(m_lines[i].value);
+                    break;
+                }
     }
 
     // Phones: direct line first, then plain, secretariat or hotline, switchboard.

@@ -196,6 +196,17 @@ void TestEnhancedPlaces::postcodes_data()
             "PLZ=411 38 | Ort=Göteborg | Land=Schweden");
     addCase("Eircode behind the town", "Bridge Studio\n7 Quay Street\nGalway H91 E2W3\n",
             "PLZ=H91 E2W3 | Ort=Galway | Land=Irland");
+    addCase("Czech postcode shaped like a Swedish one, the phone tells",
+            "Sklárna Horák s.r.o.\nDlouhá 12\n110 00 Praha\nTel. +420 222 333 444\n",
+            "PLZ=110 00 | Ort=Praha | Land=Tschechien");
+    addCase("Slovak postcode with its country line",
+            "Drevo Kováč s.r.o.\nHlavná 8\n040 01 Košice\nSlovensko\n",
+            "PLZ=040 01 | Land=Slowakei");
+    addCase("Portuguese postcode", "Azulejos Lda.\nRua Augusta 100\n1100-053 Lisboa\n",
+            "PLZ=1100-053 | Ort=Lisboa | Land=Portugal");
+    addCase("Norwegian four digits, the phone tells",
+            "Fjordlys AS\nStorgata 5\n0155 Oslo\nTlf. +47 22 33 44 55\n",
+            "PLZ=0155 | Ort=Oslo | Land=Norwegen");
     addCase("Italian province code dropped", "Ottica Bassi\nVia Garibaldi 21\n10122 Torino (TO)\n",
             "PLZ=10122 | Ort=Torino | Land=Italien");
     addCase("a river in brackets stays with its town",
