@@ -64,6 +64,18 @@ QString withoutProvince(const QString& city)
     return city;
 }
 
+// A town's name has no digits but for the number of its post office or district behind
+// it: "8021 Zürich 1", "110 00 Praha 1".
+bool hasDigitsBeyondDistrict(const QString& city)
+{
+    const int digits = CountDigitsIn(city);
+    if (digits == 0)
+        return false;
+    const QList<QStringView> w = Words(city);
+    return !(w.size() >= 2 && w.back().size() <= 2 && CountDigitsIn(w.back()) == w.back().size() &&
+             digits == w.back().size());
+}
+
 } // namespace
 
 std::optional<Place> ParsePostcodeCity(QStringView text)
@@ -102,7 +114,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
                     p.ort = withoutProvince(t.mid(rest[n].data() - t.constData()).trimmed());
                     p.land = it->country;
                     p.system = p.land;
-                    if (p.ort[0].isUpper() && CountDigitsIn(p.ort) == 0)
+                    if (p.ort[0].isUpper() && !hasDigitsBeyondDistrict(p.ort))
                         return p;
                 }
             }
@@ -131,7 +143,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
             for (QStringView cw : Words(p.ort))
                 street = street || k.streetWords.words.contains(Bare(cw));
             if (!p.ort.isEmpty() && p.ort[0].isLetter() && p.ort[0].isUpper() &&
-                CountDigitsIn(p.ort) == 0 && !street && Words(p.ort).size() <= 5)
+                !hasDigitsBeyondDistrict(p.ort) && !street && Words(p.ort).size() <= 5)
                 return p;
         }
     }
@@ -212,7 +224,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
     if (!firstCity[0].isLetter() || !firstCity[0].isUpper())
         return std::nullopt;
     QString city = t.mid(firstCity.data() - t.constData()).trimmed();
-    if (CountDigitsIn(city) > 0)
+    if (hasDigitsBeyondDistrict(city))
         return std::nullopt;
     // "1200 Market Street" is a street with its number in front.
     const QList<QStringView> cityWords = Words(city);

@@ -207,6 +207,13 @@ void TestEnhancedPlaces::postcodes_data()
     addCase("Norwegian four digits, the phone tells",
             "Fjordlys AS\nStorgata 5\n0155 Oslo\nTlf. +47 22 33 44 55\n",
             "PLZ=0155 | Ort=Oslo | Land=Norwegen");
+    addCase("Swiss post office number behind the town, Swiss phone grouping",
+            "Treuhand Sutter AG\nLöwenstrasse 10\nPostfach\n8021 Zürich 1\nTel. 044 211 45 67\n",
+            "Adresse=Löwenstrasse 10 | Adresse 2=Postfach | PLZ=8021 | Ort=Zürich 1 | "
+            "Land=Schweiz");
+    addCase("Austrian four digits with an Austrian number",
+            "Tischlerei Moser\nGetreidegasse 4\n5020 Salzburg\nTel. 0662 84 12 34\n",
+            "PLZ=5020 | Land=Österreich");
     addCase("Italian province code dropped", "Ottica Bassi\nVia Garibaldi 21\n10122 Torino (TO)\n",
             "PLZ=10122 | Ort=Torino | Land=Italien");
     addCase("a river in brackets stays with its town",
