@@ -306,7 +306,9 @@ QString withLettersMended(QStringView text)
 // "bus 5", "box 5", "bte 5" behind a Belgian or Dutch house number: the letter box.
 qsizetype letterBoxWords(const QList<QStringView>& w)
 {
-    static const QSet<QString> heads{u"bus"_s, u"box"_s, u"bte"_s, u"bte."_s, u"boîte"_s};
+    // Vienna's door and staircase may stand there too: "Stiege 2", "Top 7", "Tür 4".
+    static const QSet<QString> heads{u"bus"_s,   u"box"_s,    u"bte"_s, u"bte."_s,
+                                     u"boîte"_s, u"stiege"_s, u"top"_s, u"tür"_s};
     const qsizetype n = w.size();
     if (n >= 4 && w[n - 2].size() <= 5 && heads.contains(w[n - 2].toString().toLower()) &&
         CountDigitsIn(w[n - 1]) > 0 && CountDigitsIn(w[n - 1]) + 1 >= w[n - 1].size() &&

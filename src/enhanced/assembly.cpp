@@ -268,6 +268,30 @@ void Analysis::assemble()
         mailValue = FindEMail(m_lines[m_from].text);
         mail = mailValue.isEmpty() ? -1 : m_from;
     }
+    // A reply without the address in its signature: the quoted message's header names the
+    // writer as its recipient ("An: Eva Roth <e.roth@…>").
+    if (mail < 0 && !name.nachname.isEmpty() && m_to < m_lines.size() &&
+        m_lines[m_to].kind == Kind::Cut)
+        for (int i = m_to + 1; i < m_lines.size() && i <= m_to + 6; ++i) {
+            const Line& l = m_lines[i];
+            const QString lower = l.text.left(4).toLower();
+            if ((lower.startsWith(u"an:"_s) || lower.startsWith(u"to:"_s)) &&
+                l.text.contains(name.nachname) && !l.text.contains(u';') &&
+                !FindEMail(l.text).isEmpty()) {
+                mailValue = FindEMail(l.text);
+                mail = i;
+                break;
+            }
+        }
+    // No address of its own line: one inside a sentence ("Schreiben Sie uns an …").
+    if (mail < 0) {
+        mail = first([](const Line& l) {
+            return (l.kind == Kind::Prose || l.kind == Kind::Unknown) && l.text.contains(u'@') &&
+                   !FindEMail(l.text).isEmpty();
+        });
+        if (mail >= 0)
+            mailValue = FindEMail(m_lines[mail].text);
+    }
     const int web = first([](const Line& l) { return l.kind == Kind::Website; });
 
     // In field order; the rows are filled in this order.

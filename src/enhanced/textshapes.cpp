@@ -80,10 +80,18 @@ std::optional<Label> looseLabel(const QString& lowerLabel, QStringView value)
             (have.isEmpty() || q == u"fax"_s || (q == u"second"_s && have != u"fax"_s)))
             phone->qualifier = q;
     };
+    // Words of a sentence that leads to a number: "Sie erreichen uns unter:", "Our new
+    // number:".
+    static const QSet<QString> calling{u"nummer"_s,     u"number"_s,  u"erreichen"_s,
+                                       u"erreichbar"_s, u"anrufen"_s, u"call"_s,
+                                       u"reach"_s,      u"numéro"_s,  u"numero"_s};
+    static const Label plain{LabelKind::Phone, {}};
     for (qsizetype i = 0; i < words.size(); ++i) {
         const QString& w = words[i];
         mail = mail || w.contains(u"mail"_s) || w == u"courriel"_s;
         const Label* l = phoneWord(w);
+        if (!l && calling.contains(w) && i > 0)
+            l = &plain;
         if (!l)
             continue;
         leading = leading || i == 0;

@@ -156,6 +156,19 @@ void TestEnhancedPlaces::numbersInSentences_data()
             "Harbour Lights Ltd\nOur phone number is still: +44 20 7946 0321\n"
             "Shared mailbox: team@harbourlights.example.co.uk\n",
             "Telefon=+44 20 7946 0321 | eMail=team@harbourlights.example.co.uk");
+    addCase("a sentence leading to the number",
+            "Optik Roth\nMariahilfer Straße 88, Top 5\n1070 Wien\nSie erreichen uns unter: 01 523 "
+            "44 55\n",
+            "Adresse=Mariahilfer Straße 88, Top 5 | Telefon=01 523 44 55");
+    addCase("mail address inside a sentence",
+            "Bäckerei Korn\nLindenallee 5\n50968 Köln\n\nFragen? Schreiben Sie an "
+            "info@baeckerei-korn.example.de.\n",
+            "eMail=info@baeckerei-korn.example.de");
+    addCase("reply whose signature lacks the address: the quoted header has it",
+            "Passt, danke.\n\nGruss\nLea Frei\nFrei Treuhand GmbH\nMarktgasse 3, 3011 Bern\n\n"
+            "-----Ursprüngliche Nachricht-----\nVon: Tom Gut <t.gut@gut.example.ch>\n"
+            "An: Lea Frei <l.frei@frei-treuhand.example.ch>\nBetreff: Termin\n\nHallo Lea\n",
+            "eMail=l.frei@frei-treuhand.example.ch");
     addCase("sentence with more than the number stays a sentence",
             "Fahrschule Zügig\nRufen Sie an: 0621 40 50 60 oder schreiben Sie uns\n",
             "Telefon=<none>");
