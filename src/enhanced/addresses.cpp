@@ -449,10 +449,11 @@ bool IsPoBox(QStringView text)
 bool IsAddressExtra(QStringView text)
 {
     static const QSet<QString> words{
-        u"gebäude"_s, u"haus"_s,     u"campus"_s, u"eingang"_s,    u"hintereingang"_s,
-        u"etage"_s,   u"stock"_s,    u"og"_s,     u"hinterhaus"_s, u"vorderhaus"_s,
-        u"aufgang"_s, u"building"_s, u"floor"_s,  u"suite"_s,      u"unit"_s,
-        u"apt."_s,    u"wing"_s,     u"bau"_s,    u"trakt"_s,      u"halle"_s};
+        u"gebäude"_s, u"haus"_s,      u"campus"_s,     u"eingang"_s,    u"hintereingang"_s,
+        u"etage"_s,   u"stock"_s,     u"og"_s,         u"hinterhaus"_s, u"vorderhaus"_s,
+        u"aufgang"_s, u"building"_s,  u"floor"_s,      u"suite"_s,      u"unit"_s,
+        u"apt."_s,    u"wing"_s,      u"bau"_s,        u"trakt"_s,      u"halle"_s,
+        u"flat"_s,    u"apartment"_s, u"appartement"_s};
     // A branch in front of its town ("Filiale Nord") stands between the firm and the street.
     static const QSet<QString> branches{
         u"niederlassung"_s, u"zweigniederlassung"_s, u"filiale"_s,    u"zweigstelle"_s,

@@ -37,6 +37,23 @@ void Analysis::classifyAll()
         pending.reset();
         QList<Line> out;
         classifyInto(raw, out, 0);
+        // A form's house number on its own line belongs to the street above.
+        if (out.size() == 1 && out[0].labelled && out[0].labelKind == LabelKind::Street &&
+            out[0].kind == Kind::Noise && out[0].value.size() <= 8 &&
+            CountDigitsIn(out[0].value) > 0) {
+            for (qsizetype i = m_lines.size() - 1; i >= 0 && m_lines[i].kind != Kind::Blank; --i) {
+                Line& street = m_lines[i];
+                if (street.kind != Kind::Street || !street.labelled)
+                    continue;
+                if (CountDigitsIn(street.value) == 0) {
+                    street.value += u' ' + out[0].value;
+                    street.why += u"; Hausnummer aus der Zeile darunter"_s;
+                    out[0].skipped = true;
+                    out[0].skipWhy = u"Hausnummer zur Straße davor"_s;
+                }
+                break;
+            }
+        }
         for (Line& l : out) {
             if (l.kind == Kind::LabelOnly && l.labelled)
                 pending = std::pair{Label{l.labelKind, l.value}, l.text};
@@ -301,6 +318,11 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         l.kind = Kind::Title;
         return;
     case LabelKind::Street: {
+        if (label.qualifier == u"number"_s) {
+            l.kind = Kind::Noise;
+            l.why += u"Hausnummer hinter dem Etikett"_s;
+            return;
+        }
         // "Neu:" announces a moved address as often as a new product.
         const bool onlyIfAddress = label.qualifier == u"moved"_s;
         if (!extra || depth > 2) {

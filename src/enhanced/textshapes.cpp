@@ -59,8 +59,9 @@ const Label* phoneWord(const QString& lowerWord)
 std::optional<Label> looseLabel(const QString& lowerLabel, QStringView value)
 {
     const Knowledge& k = knowledge();
+    // "Straße / Hausnr.", "PLZ & Ort": the list has them with "/" and "und".
     QString tight = lowerLabel;
-    tight.replace(u" / "_s, u"/"_s);
+    tight.replace(u" / "_s, u"/"_s).replace(u" & "_s, u" und "_s).replace(u" + "_s, u" und "_s);
     if (const Label* l = k.label(tight); l && tight != lowerLabel)
         return *l;
     const QStringList words =

@@ -136,6 +136,13 @@ void TestEnhancedPlaces::labels_data()
             "Vorname: Jonas\nNachname: Eibl\nStraße / Hausnr.: Lerchenweg 5\nPLZ / Ort: 94032 "
             "Passau\n",
             "Adresse=Lerchenweg 5 | PLZ=94032 | Ort=Passau");
+    addCase("house number on a line of its own, labels joined with \"&\"",
+            "Vorname: Lena\nNachname: Vogt\nStraße: Am Anger\nHausnummer: 7b\n"
+            "PLZ & Ort: 99084 Erfurt\n",
+            "Adresse=Am Anger 7b | PLZ=99084 | Ort=Erfurt");
+    addCase("street and house number joined with \"&\"",
+            "Name: Kurt Ries\nStraße & Hausnummer: Birkenweg 3\nPLZ: 01067\nOrt: Dresden\n",
+            "Adresse=Birkenweg 3 | PLZ=01067 | Ort=Dresden");
     addCase("English form with numbered address lines, Eircode and country",
             "First name: Aoife\nLast name: Brennan\nAddress line 1: 3 Harbour Row\n"
             "Address line 2: Flat 2\nCity: Cork\nEircode: T12 K8AF\nCountry: Ireland\n",
