@@ -389,8 +389,14 @@ int StreetStrength(QStringView text, QString* value)
     // "Name 12" and "Name 12 a"
     qsizetype last = w.size() - 1;
     QString suffix;
-    if (w.size() >= 3 && w[last].size() == 1 && w[last][0].isLetter() &&
-        (w[last][0].isLower() || (w[last][0].isUpper() && CountDigitsIn(w[last - 1]) > 0))) {
+    // "12 a", "60 C", and the French and Dutch "12 bis", "45 hs" (ground floor).
+    static const QSet<QString> suffixWords{u"bis"_s, u"ter"_s, u"hs"_s};
+    if (w.size() >= 3 && CountDigitsIn(w[last - 1]) > 0 &&
+        suffixWords.contains(w[last].toString())) {
+        suffix = w[last].toString();
+        --last;
+    } else if (w.size() >= 3 && w[last].size() == 1 && w[last][0].isLetter() &&
+               (w[last][0].isLower() || (w[last][0].isUpper() && CountDigitsIn(w[last - 1]) > 0))) {
         suffix = w[last].toString();
         --last;
     }

@@ -189,6 +189,9 @@ void TestEnhancedPlaces::streets_data()
             "Adresse=Praterstraße 31/4/12 | PLZ=1020 | Ort=Wien");
     addCase("capital letter behind the house number",
             "Galerie Nord\nHafenhof 14 B\n24937 Flensburg\n", "Adresse=Hafenhof 14 B | PLZ=24937");
+    addCase("French \"bis\" behind the house number",
+            "Atelier Roux\nRue Oberkampf 12 bis\n75011 Paris\n",
+            "Adresse=Rue Oberkampf 12 bis | PLZ=75011 | Ort=Paris");
     addCase("Flemish letter box", "Bakkerij Peeters\nKerkstraat 88 bus 2\n2000 Antwerpen\n",
             "Adresse=Kerkstraat 88 bus 2 | PLZ=2000 | Ort=Antwerpen");
     addCase("French letter box behind a comma",
