@@ -143,6 +143,12 @@ void TestEnhancedPlaces::labels_data()
     addCase("street and house number joined with \"&\"",
             "Name: Kurt Ries\nStraße & Hausnummer: Birkenweg 3\nPLZ: 01067\nOrt: Dresden\n",
             "Adresse=Birkenweg 3 | PLZ=01067 | Ort=Dresden");
+    addCase("name label naming both parts",
+            "Anrede: Frau\nVorname / Name: Ida Brunner\nPLZ / Ort: 3600 Thun\n",
+            "Vorname=Ida | Nachname=Brunner | Kontakt=Ida Brunner");
+    addCase("name label surname first",
+            "Name, Vorname: Albers, Jens\nStraße: Am Hang 3\nPLZ/Ort: 31785 Hameln\n",
+            "Vorname=Jens | Nachname=Albers | Adresse=Am Hang 3");
     addCase("English form with numbered address lines, Eircode and country",
             "First name: Aoife\nLast name: Brennan\nAddress line 1: 3 Harbour Row\n"
             "Address line 2: Flat 2\nCity: Cork\nEircode: T12 K8AF\nCountry: Ireland\n",
