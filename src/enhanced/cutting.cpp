@@ -82,8 +82,12 @@ QList<qsizetype> gapEnds(QStringView line)
             ++j;
         if (cell >= 0 && j - i >= ColumnGap && j < line.size() && line[j] != u':') {
             const QStringView before = line.mid(cell, i - cell);
-            const bool label = Words(before).size() <= 3 && !before.contains(u": "_s) &&
-                               knowledge().label(before.toString().toLower());
+            // Only phone, mail and web labels stand before their value without a colon.
+            const Label* l = Words(before).size() <= 3 && !before.contains(u": "_s)
+                                 ? knowledge().label(before.toString().toLower())
+                                 : nullptr;
+            const bool label = l && (l->kind == LabelKind::Phone || l->kind == LabelKind::Email ||
+                                     l->kind == LabelKind::Web);
             if (!before.endsWith(u':') && !label) {
                 out.append(j);
                 cell = -1;

@@ -289,6 +289,13 @@ void TestEnhancedPlaces::columns_data()
             "17000 Seehausen        amt@seeland.example.de      IBAN DE12 3456\n",
             "Adresse=Am Hafen 2 | Adresse 2=Postfach 3 | PLZ=17000 | Telefon=03971 20 20 | "
             "Fax=03971 20 21 | Kontakt=Klaus Beck");
+    addCase("signature in two columns, the person beside the firm",
+            "Mit freundlichen Grüßen\n\n"
+            "Anna Berg                     Berg & Partner GmbH\n"
+            "Geschäftsführerin             Seestraße 4\n"
+            "anna@berg.example.de          78462 Konstanz\n",
+            "Firma=Berg & Partner GmbH | Kontakt=Anna Berg | Adresse=Seestraße 4 | PLZ=78462 | "
+            "eMail=anna@berg.example.de");
     addCase("aligned labels are no columns", "Tel.     0711 / 40 40 40\nFax      0711 / 40 40 41\n",
             "Telefon=0711 / 40 40 40 | Fax=0711 / 40 40 41");
     addCase("aligned colons are no columns",
