@@ -1,6 +1,8 @@
 #include "recognise.h"
 #include "wordbits.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
@@ -110,6 +112,30 @@ std::optional<Label> looseLabel(const QString& lowerLabel, QStringView value)
     }
     if (mail && Words(value).size() == 1 && !FindEMail(value).isEmpty())
         return Label{LabelKind::Email, {}};
+    // "Buchung: +43 512 …", "Werkstatt: 0821 …": a short label of a department with nothing
+    // but a number behind it, written with its area code as only phone numbers are; not an
+    // account, customer or tax number, not opening hours.
+    static const QStringList notPhone{u"nummer"_s, u"nr"_s,  u"number"_s, u"no."_s,
+                                      u"konto"_s,  u"blz"_s, u"iban"_s,   u"bic"_s,
+                                      u"steuer"_s, u"ust"_s, u"zeit"_s,   u"id"_s};
+    const auto areaCode = [&value] {
+        qsizetype i = value.startsWith(u'+') ? 1 : value.startsWith(u"(0"_s) ? 1 : 0;
+        if (i == 0 && !value.startsWith(u'0'))
+            return false;
+        const qsizetype from = i;
+        while (i < value.size() && isDigit(value[i]))
+            ++i;
+        // "0000123456" is a register number: a phone number has a real area code and is
+        // written in groups.
+        const bool grouped = value.contains(u' ') || value.contains(u'/') || value.contains(u'-');
+        if (!grouped || value.mid(from).startsWith(u"00"_s))
+            return false;
+        return i - from >= (from == 1 ? 2 : 3);
+    };
+    if (words.size() <= 2 && areaCode() && ParsePhone(value, true).has_value() &&
+        std::none_of(notPhone.cbegin(), notPhone.cend(),
+                     [&lowerLabel](const QString& w) { return lowerLabel.contains(w); }))
+        return Label{LabelKind::Phone, u"second"_s};
     return std::nullopt;
 }
 

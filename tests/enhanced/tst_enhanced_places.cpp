@@ -153,6 +153,13 @@ void TestEnhancedPlaces::labels_data()
             "First name: Aoife\nLast name: Brennan\nAddress line 1: 3 Harbour Row\n"
             "Address line 2: Flat 2\nCity: Cork\nEircode: T12 K8AF\nCountry: Ireland\n",
             "Adresse=3 Harbour Row | Adresse 2=Flat 2 | Ort=Cork | PLZ=T12 K8AF | Land=Irland");
+    addCase("a department's label before a bare number",
+            "Hotel Seeblick\nSeeuferweg 2\n6020 Innsbruck\nBuchung: +43 512 12 34 57\n",
+            "Telefon=+43 512 12 34 57");
+    addCase("register numbers and opening hours are no phones",
+            "Zakład Lis\nKRS: 0000123456\nGodziny: 08 00 – 16 00\nKontonummer: 0123 4567 89\n"
+            "Tel. 061 222 33 44\n",
+            "Telefon=061 222 33 44 | Telefon 2=<none>");
     addCase("a number of its own is not a phone",
             "Weinbau Seiler\nSteuernummer: 21 143 556 78\nTel. 06321 77 80\n",
             "Telefon=06321 77 80 | Telefon 2=<none>");
