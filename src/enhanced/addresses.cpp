@@ -1,9 +1,82 @@
 #include "recognise.h"
 #include "wordbits.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
+
+namespace {
+
+// How many leading words of w form a postcode of one of the known shapes ("60-104",
+// "851 02", "H91 X2K7"), 0 when none; the countries of the shape in *land, "|" between.
+qsizetype shapedPostcode(const WordViews& w, qsizetype from, QString* land)
+{
+    const auto fits = [](QStringView word, QStringView shape) {
+        if (word.size() != shape.size())
+            return false;
+        for (qsizetype i = 0; i < word.size(); ++i) {
+            const QChar c = word[i];
+            const bool upper = c >= u'A' && c <= u'Z';
+            const bool ok = shape[i] == u'N'   ? isDigit(c)
+                            : shape[i] == u'A' ? upper
+                            : shape[i] == u'X' ? upper || isDigit(c)
+                                               : c == shape[i];
+            if (!ok)
+                return false;
+        }
+        return true;
+    };
+    static const QList<std::pair<QStringList, QString>> shapes = [] {
+        QList<std::pair<QStringList, QString>> out;
+        for (const auto& [shape, country] : knowledge().postalFormats)
+            out.append({shape.split(u' ', Qt::SkipEmptyParts), country});
+        return out;
+    }();
+    // Most words carry no digit; when every shape opens with one, they are passed over.
+    static const bool digitFirst = std::all_of(shapes.cbegin(), shapes.cend(), [](const auto& s) {
+        return !s.first.isEmpty() && s.first.front().contains(u'N');
+    });
+    if (from >= w.size() || (digitFirst && CountDigitsIn(w[from]) == 0))
+        return 0;
+    for (const auto& [parts, country] : shapes) {
+        if (from + parts.size() > w.size())
+            continue;
+        bool all = true;
+        for (qsizetype i = 0; all && i < parts.size(); ++i)
+            all = fits(w[from + i], parts[i]);
+        if (all) {
+            *land = country;
+            return parts.size();
+        }
+    }
+    return 0;
+}
+
+// "Milano (MI)": the province code behind an Italian (or Spanish) town is no part of it;
+// "Lingen (Ems)" keeps its river.
+QString withoutProvince(const QString& city)
+{
+    if (city.size() > 5 && city.endsWith(u')') && city[city.size() - 5] == u' ' &&
+        city[city.size() - 4] == u'(' && IsAllCaps(QStringView(city).mid(city.size() - 3, 2)))
+        return city.left(city.size() - 5);
+    return city;
+}
+
+// A town's name has no digits but for the number of its post office or district behind
+// it: "8021 Zürich 1", "110 00 Praha 1".
+bool hasDigitsBeyondDistrict(const QString& city)
+{
+    const int digits = CountDigitsIn(city);
+    if (digits == 0)
+        return false;
+    const WordViews w = Words(city);
+    return !(w.size() >= 2 && w.back().size() <= 2 && CountDigitsIn(w.back()) == w.back().size() &&
+             digits == w.back().size());
+}
+
+} // namespace
 
 std::optional<Place> ParsePostcodeCity(QStringView text)
 {
@@ -22,6 +95,58 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
     const WordViews w = Words(t);
     if (w.isEmpty())
         return std::nullopt;
+
+    // A postcode of another shape, in front of the town ("60-104 Poznań", "851 02 Sundsvall",
+    // "PL-60-104 Poznań") or behind it ("Galway H91 X2K7").
+    if (w.size() >= 2) {
+        QString land;
+        qsizetype from = 0;
+        QString head = w[0].toString();
+        if (const qsizetype dash = head.indexOf(u'-'); dash > 0 && dash <= 3) {
+            const auto it = k.postalPrefixes.constFind(head.left(dash).toUpper());
+            if (it != k.postalPrefixes.cend() && !isDigit(head[0])) {
+                const WordViews rest =
+                    Words(QStringView(t).mid(w[0].data() - t.constData() + dash + 1));
+                if (const qsizetype n = shapedPostcode(rest, 0, &land);
+                    n > 0 && land.split(u'|').contains(it->country) && n < rest.size()) {
+                    Place p;
+                    p.plz = joined(rest, 0, n);
+                    p.ort = withoutProvince(t.mid(rest[n].data() - t.constData()).trimmed());
+                    p.land = it->country;
+                    p.system = p.land;
+                    if (p.ort[0].isUpper() && !hasDigitsBeyondDistrict(p.ort))
+                        return p;
+                }
+            }
+        }
+        qsizetype n = shapedPostcode(w, from, &land);
+        bool behind = false;
+        if (n == 0) {
+            for (qsizetype s = 1; s < w.size() && n == 0; ++s)
+                if (const qsizetype m = shapedPostcode(w, s, &land);
+                    m > 0 && s + m == w.size() && CountDigitsIn(w[s]) < w[s].size()) {
+                    n = m;
+                    from = s;
+                    behind = true;
+                }
+        }
+        if (n > 0 && (behind || n < w.size())) {
+            Place p;
+            p.plz = joined(w, from, from + n);
+            p.ort = behind ? stripTrailing(t.left(w[from].data() - t.constData()).trimmed(), u",")
+                           : t.mid(w[n].data() - t.constData()).trimmed();
+            p.ort = withoutProvince(p.ort);
+            p.land = land.section(u'|', 0, 0);
+            p.system = p.land;
+            p.shared = land.contains(u'|');
+            bool street = false;
+            for (QStringView cw : Words(p.ort))
+                street = street || k.streetWords.words.contains(Bare(cw));
+            if (!p.ort.isEmpty() && p.ort[0].isLetter() && p.ort[0].isUpper() &&
+                !hasDigitsBeyondDistrict(p.ort) && !street && Words(p.ort).size() <= 5)
+                return p;
+        }
+    }
 
     // US: "Chicago, IL 60601"
     if (w.size() >= 3) {
@@ -99,7 +224,7 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
     if (!firstCity[0].isLetter() || !firstCity[0].isUpper())
         return std::nullopt;
     QString city = t.mid(firstCity.data() - t.constData()).trimmed();
-    if (CountDigitsIn(city) > 0)
+    if (hasDigitsBeyondDistrict(city))
         return std::nullopt;
     // "1200 Market Street" is a street with its number in front.
     const WordViews cityWords = Words(city);
@@ -118,7 +243,12 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
         return std::nullopt;
     Place p;
     p.plz = plz;
-    p.ort = city;
+    p.ort = withoutProvince(city);
+    // Only Italy puts a province code behind the town of a five-digit postcode.
+    if (land.isEmpty() && digits.size() == 5 && p.ort.size() < city.size()) {
+        land = u"Italien"_s;
+        system = land;
+    }
     p.land = land;
     p.system = system.isEmpty() ? QString::number(digits.size()) : system;
     return p;
@@ -127,6 +257,14 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
 std::optional<Place> ParsePostcodeOnly(QStringView text)
 {
     const WordViews w = Words(text);
+    if (QString land; !w.isEmpty() && shapedPostcode(w, 0, &land) == w.size()) {
+        Place p;
+        p.plz = joined(w, 0, w.size());
+        p.land = land.section(u'|', 0, 0);
+        p.system = p.land;
+        p.shared = land.contains(u'|');
+        return p;
+    }
     if (w.size() != 1)
         return std::nullopt;
     QString code = w[0].toString();
@@ -145,12 +283,61 @@ std::optional<Place> ParsePostcodeOnly(QStringView text)
     return p;
 }
 
+namespace {
+
+// A scanned l or o read as a digit inside a word: "Marktp1atz" is "Marktplatz".
+QString withLettersMended(QStringView text)
+{
+    QString out;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        const bool inWord = i > 0 && i + 1 < text.size() && text[i - 1].isLetter() &&
+                            text[i + 1].isLetter() && text[i - 1].isLower() &&
+                            text[i + 1].isLower();
+        if (inWord && (c == u'1' || c == u'0')) {
+            if (out.isEmpty())
+                out = text.toString();
+            out[i] = c == u'1' ? u'l' : u'o';
+        }
+    }
+    return out;
+}
+
+// "bus 5", "box 5", "bte 5" behind a Belgian or Dutch house number: the letter box.
+qsizetype letterBoxWords(const WordViews& w)
+{
+    // Vienna's door and staircase may stand there too: "Stiege 2", "Top 7", "Tür 4".
+    static const QSet<QString> heads{u"bus"_s,   u"box"_s,    u"bte"_s, u"bte."_s,
+                                     u"boîte"_s, u"stiege"_s, u"top"_s, u"tür"_s};
+    const qsizetype n = w.size();
+    if (n >= 4 && w[n - 2].size() <= 5 && heads.contains(w[n - 2].toString().toLower()) &&
+        CountDigitsIn(w[n - 1]) > 0 && CountDigitsIn(w[n - 1]) + 1 >= w[n - 1].size() &&
+        CountDigitsIn(w[n - 3]) > 0)
+        return 2;
+    return 0;
+}
+
+} // namespace
+
 int StreetStrength(QStringView text, QString* value)
 {
     const Knowledge& k = knowledge();
-    const WordViews w = Words(text);
+    if (const QString mended = withLettersMended(text); !mended.isEmpty())
+        return StreetStrength(mended, value);
+    WordViews w = Words(text);
     if (w.size() < 2 || w.size() > 8)
         return 0;
+    QString letterBox;
+    if (const qsizetype n = letterBoxWords(w); n > 0) {
+        letterBox = text.mid(w[w.size() - n].data() - text.data()).toString();
+        w.resize(w.size() - n);
+        if (w.back().endsWith(u',')) {
+            letterBox.prepend(u", "_s);
+            w.back().chop(1);
+        } else {
+            letterBox.prepend(u' ');
+        }
+    }
     const auto houseNumber = [](QStringView s, QString* mended) {
         // "12", "2a", "8–10", "18/4", "2O"
         qsizetype i = 0;
@@ -167,7 +354,11 @@ int StreetStrength(QStringView text, QString* value)
             out.append(s[i]);
             ++i;
         }
-        if (i < s.size() && QStringView(u"-–/").contains(s[i])) {
+        // Vienna writes staircase and door too: "17/2/7".
+        for (int group = 0; group < 3 && i < s.size() && QStringView(u"-–/").contains(s[i]);
+             ++group) {
+            if (group > 0 && s[i] != u'/')
+                return false;
             out.append(s[i++]);
             const qsizetype start = i;
             while (i < s.size() && isDigit(s[i]))
@@ -200,7 +391,14 @@ int StreetStrength(QStringView text, QString* value)
     // "Name 12" and "Name 12 a"
     qsizetype last = w.size() - 1;
     QString suffix;
-    if (w.size() >= 3 && w[last].size() == 1 && w[last][0].isLetter() && w[last][0].isLower()) {
+    // "12 a", "60 C", and the French and Dutch "12 bis", "45 hs" (ground floor).
+    static const QSet<QString> suffixWords{u"bis"_s, u"ter"_s, u"hs"_s};
+    if (w.size() >= 3 && CountDigitsIn(w[last - 1]) > 0 &&
+        suffixWords.contains(w[last].toString())) {
+        suffix = w[last].toString();
+        --last;
+    } else if (w.size() >= 3 && w[last].size() == 1 && w[last][0].isLetter() &&
+               (w[last][0].isLower() || (w[last][0].isUpper() && CountDigitsIn(w[last - 1]) > 0))) {
         suffix = w[last].toString();
         --last;
     }
@@ -212,9 +410,10 @@ int StreetStrength(QStringView text, QString* value)
                 named = false;
             word = word || streetWord(w[i]);
         }
-        if (named && (w[0][0].isUpper())) {
+        if (named && (w[0][0].isUpper() || k.streetLeadWords.contains(Bare(w[0])))) {
             const QStringView head = text.left(w[last].data() - text.data()).trimmed();
-            *value = head.toString() + u' ' + number + (suffix.isEmpty() ? u""_s : u' ' + suffix);
+            *value = head.toString() + u' ' + number + (suffix.isEmpty() ? u""_s : u' ' + suffix) +
+                     letterBox;
             if (word)
                 return 2;
             if (k.streetLeadWords.contains(BareKey(w[0]).str()))
@@ -235,10 +434,11 @@ int StreetStrength(QStringView text, QString* value)
 
 bool IsPoBox(QStringView text)
 {
-    static const QStringList heads{u"postfach"_s,        u"postf."_s,        u"pf"_s,
-                                   u"p.o. box"_s,        u"po box"_s,        u"p. o. box"_s,
-                                   u"p.o.box"_s,         u"postbus"_s,       u"case postale"_s,
-                                   u"casella postale"_s, u"boîte postale"_s, u"bp"_s};
+    static const QStringList heads{
+        u"postfach"_s,        u"postf."_s,  u"pf"_s,      u"p.o. box"_s,     u"po box"_s,
+        u"p. o. box"_s,       u"p.o.box"_s, u"postbus"_s, u"case postale"_s, u"casella postale"_s,
+        u"boîte postale"_s,   u"bp"_s,      u"box"_s,     u"postboks"_s,     u"postbox"_s,
+        u"skrytka pocztowa"_s};
     const LowerKey lowerKey(text);
     const QString& lower = lowerKey.str();
     for (const QString& h : heads) {
@@ -258,10 +458,11 @@ bool IsPoBox(QStringView text)
 bool IsAddressExtra(QStringView text)
 {
     static const QSet<QString> words{
-        u"gebäude"_s, u"haus"_s,     u"campus"_s, u"eingang"_s,    u"hintereingang"_s,
-        u"etage"_s,   u"stock"_s,    u"og"_s,     u"hinterhaus"_s, u"vorderhaus"_s,
-        u"aufgang"_s, u"building"_s, u"floor"_s,  u"suite"_s,      u"unit"_s,
-        u"apt."_s,    u"wing"_s,     u"bau"_s,    u"trakt"_s,      u"halle"_s};
+        u"gebäude"_s, u"haus"_s,      u"campus"_s,     u"eingang"_s,    u"hintereingang"_s,
+        u"etage"_s,   u"stock"_s,     u"og"_s,         u"hinterhaus"_s, u"vorderhaus"_s,
+        u"aufgang"_s, u"building"_s,  u"floor"_s,      u"suite"_s,      u"unit"_s,
+        u"apt."_s,    u"wing"_s,      u"bau"_s,        u"trakt"_s,      u"halle"_s,
+        u"flat"_s,    u"apartment"_s, u"appartement"_s};
     // A branch in front of its town ("Filiale Nord") stands between the firm and the street.
     static const QSet<QString> branches{
         u"niederlassung"_s, u"zweigniederlassung"_s, u"filiale"_s,    u"zweigstelle"_s,

@@ -215,15 +215,29 @@ void Analysis::assemble()
                             hinted = hints.value(u"word:"_s + Bare(w));
         }
         static const QSet<QString> fourDigit{u"Österreich"_s, u"Schweiz"_s,   u"Liechtenstein"_s,
-                                             u"Belgien"_s,    u"Luxemburg"_s, u"Dänemark"_s};
+                                             u"Belgien"_s,    u"Luxemburg"_s, u"Dänemark"_s,
+                                             u"Norwegen"_s,   u"Ungarn"_s};
         static const QSet<QString> fiveDigit{u"Deutschland"_s, u"Frankreich"_s, u"Italien"_s,
-                                             u"Spanien"_s};
+                                             u"Spanien"_s,     u"Finnland"_s,   u"Polen"_s};
         if (system == u"4"_s)
             land = fourDigit.contains(hinted) ? hinted : m_state.StandardLand4PLZ;
         else if (system == u"5"_s)
             land = fiveDigit.contains(hinted) ? hinted : m_state.StandardLand5PLZ;
         else if (!system.isEmpty())
             land = m_lines[place].place.land;
+    }
+    // "110 00 Praha" has the shape of a Swedish postcode too: a country line or the phone
+    // numbers tell which.
+    if (place >= 0 && m_lines[place].place.shared) {
+        if (countryLine >= 0)
+            land = m_lines[countryLine].value;
+        else
+            for (int i = m_from; i < m_to; ++i)
+                if (usable(i) && m_lines[i].kind == Kind::Phone &&
+                    !CountryOfNumber(m_lines[i].value).isEmpty()) {
+                    land = CountryOfNumber(m_lines[i].value);
+                    break;
+                }
     }
 
     // Phones: direct line first, then plain, secretariat or hotline, switchboard.
@@ -301,6 +315,15 @@ void Analysis::assemble()
                 mail = i;
                 break;
             }
+    }
+    // No address of its own line: one inside a sentence ("Schreiben Sie uns an …").
+    if (mail < 0) {
+        mail = first([](const Line& l) {
+            return (l.kind == Kind::Prose || l.kind == Kind::Unknown) && l.text.contains(u'@') &&
+                   !FindEMail(l.text).isEmpty();
+        });
+        if (mail >= 0)
+            mailValue = FindEMail(m_lines[mail].text);
     }
     const int web = first([](const Line& l) { return l.kind == Kind::Website; });
 
@@ -415,15 +438,40 @@ void Analysis::fillRows(FieldRows& rows) const
         rows.SelectRowField(row, qint16(idOf(v.field)));
         ++row;
     }
-    // What could not be placed is offered without a field, for the user to choose.
-    for (int i = m_from; i < m_to && row < FieldRows::RowCount; ++i) {
-        const Line& l = m_lines[i];
-        if (l.skipped || !l.taken.isEmpty() || l.kind != Kind::Unknown)
-            continue;
-        rows.setValue(row, l.text);
-        rows.setSelected(row, -1);
-        ++row;
-    }
+    // What could not be placed is offered without a field, for the user to choose: first
+    // the lines that were not understood, then those that read like a contact's data but
+    // lost to another line, then short sentences ("Muster Sp. z o.o." ends like one).
+    const auto offered = [](const Line& l, int pass) {
+        switch (l.kind) {
+        case Kind::Unknown:
+            return pass == 0;
+        case Kind::Company:
+        case Kind::Department:
+        case Kind::Job:
+        case Kind::Person:
+        case Kind::Street:
+        case Kind::Address2:
+        case Kind::PoBox:
+        case Kind::PostcodeCity:
+        case Kind::Phone:
+        case Kind::Email:
+        case Kind::Website:
+            return pass == 1;
+        case Kind::Prose:
+            return pass == 2 && Words(l.text).size() <= 8;
+        default:
+            return false;
+        }
+    };
+    for (int pass = 0; pass < 3; ++pass)
+        for (int i = m_from; i < m_to && row < FieldRows::RowCount; ++i) {
+            const Line& l = m_lines[i];
+            if (l.skipped || !l.taken.isEmpty() || !offered(l, pass))
+                continue;
+            rows.setValue(row, l.text);
+            rows.setSelected(row, -1);
+            ++row;
+        }
 }
 
 } // namespace zf::enhanced

@@ -40,6 +40,23 @@ void Analysis::classifyAll()
         pending.reset();
         QList<Line> out;
         classifyInto(std::move(raw), out, 0);
+        // A form's house number on its own line belongs to the street above.
+        if (out.size() == 1 && out[0].labelled && out[0].labelKind == LabelKind::Street &&
+            out[0].kind == Kind::Noise && out[0].value.size() <= 8 &&
+            CountDigitsIn(out[0].value) > 0) {
+            for (qsizetype i = m_lines.size() - 1; i >= 0 && m_lines[i].kind != Kind::Blank; --i) {
+                Line& street = m_lines[i];
+                if (street.kind != Kind::Street || !street.labelled)
+                    continue;
+                if (CountDigitsIn(street.value) == 0) {
+                    street.value += u' ' + out[0].value;
+                    street.why += u"; Hausnummer aus der Zeile darunter"_s;
+                    out[0].skipped = true;
+                    out[0].skipWhy = u"Hausnummer zur Straße davor"_s;
+                }
+                break;
+            }
+        }
         for (Line& l : out) {
             if (l.kind == Kind::LabelOnly && l.labelled)
                 pending = std::pair{Label{l.labelKind, l.value}, l.text};
@@ -324,6 +341,11 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         l.kind = Kind::Title;
         return;
     case LabelKind::Street: {
+        if (label.qualifier == u"number"_s) {
+            l.kind = Kind::Noise;
+            l.why += u"Hausnummer hinter dem Etikett"_s;
+            return;
+        }
         // "Neu:" announces a moved address as often as a new product.
         const bool onlyIfAddress = label.qualifier == u"moved"_s;
         if (!extra || depth > 2) {
@@ -344,8 +366,9 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
         classifyInto(inner, parts, depth + 1);
         if (parts.size() == 1 && (parts[0].kind == Kind::Unknown || parts[0].kind == Kind::Noise)) {
             if (onlyIfAddress) {
-                l.kind = Kind::Noise;
-                l.why += u"hinter dem Etikett keine Anschrift"_s;
+                // "NEU: Praxis Eva Roth": no address, but a line of the contact all the same.
+                l = parts[0];
+                l.why = u"hinter dem Etikett keine Anschrift: "_s + l.why;
                 return;
             }
             l.kind = Kind::Street;
@@ -500,7 +523,8 @@ bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
     }
     // "lic. iur. Anna Meier" starts small and is a name, "wortwerk kommunikation GmbH" a firm.
     if (t[0].isLetter() && t[0].isLower() && !t.startsWith(u"c/o"_s) &&
-        DegreeOnly(tw.front()).isEmpty() && !(t.count(u' ') < 5 && HasLegalForm(t)))
+        DegreeOnly(tw.front()).isEmpty() && !(t.count(u' ') < 5 && HasLegalForm(t)) &&
+        !knowledge().streetLeadWords.contains(BareKey(tw.front()).str()))
         return is(Kind::Prose, u"beginnt klein: Satz"_s);
     const int words = int(tw.size());
     const bool firmFirst = knowledge().companyWords.has(BareKey(tw.front()).str()) &&

@@ -1,5 +1,7 @@
 #include "engine.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
@@ -77,6 +79,47 @@ QString withoutMarkup(QString s)
     return s.trimmed();
 }
 
+namespace {
+
+constexpr int ColumnGap = 3; // blanks in a row that may part two columns
+
+// Where the runs of blanks inside a line end that may part columns: not behind a label
+// ("Tel.     0711", "Firma   :  Muster") and not in front of a colon.
+QList<qsizetype> gapEnds(QStringView line)
+{
+    QList<qsizetype> out;
+    const auto blank = [](QChar c) { return c == u' ' || c == QChar(0xa0); };
+    qsizetype cell = -1; // start of the text in front of the run
+    for (qsizetype i = 0; i < line.size();) {
+        if (!blank(line[i])) {
+            if (cell < 0)
+                cell = i;
+            ++i;
+            continue;
+        }
+        qsizetype j = i;
+        while (j < line.size() && blank(line[j]))
+            ++j;
+        if (cell >= 0 && j - i >= ColumnGap && j < line.size() && line[j] != u':') {
+            const QStringView before = line.mid(cell, i - cell);
+            // Only phone, mail and web labels stand before their value without a colon.
+            const Label* l = Words(before).size() <= 3 && !before.contains(u": "_s)
+                                 ? knowledge().label(before.toString().toLower())
+                                 : nullptr;
+            const bool label = l && (l->kind == LabelKind::Phone || l->kind == LabelKind::Email ||
+                                     l->kind == LabelKind::Web);
+            if (!before.endsWith(u':') && !label) {
+                out.append(j);
+                cell = -1;
+            }
+        }
+        i = j;
+    }
+    return out;
+}
+
+} // namespace
+
 void Analysis::cut(const QString& text, const QString& separator)
 {
     static const QString headStart = u"Details der "_s;
@@ -106,22 +149,83 @@ void Analysis::cut(const QString& text, const QString& separator)
         }
         pieces.append(all.mid(from));
     }
-    m_raw.reserve(pieces.size());
-    int source = 0;
-    int block = 0;
-    bool lastBlank = true;
+    QList<QStringView> rawLines;
+    rawLines.reserve(pieces.size());
     for (QStringView piece : std::as_const(pieces)) {
         // Stray line breaks inside a piece still end a line.
         qsizetype from = 0;
-        for (qsizetype i = 0; i <= piece.size(); ++i) {
+        for (qsizetype i = 0; i <= piece.size() && rawLines.size() <= MaxLines; ++i) {
             if (i < piece.size() && piece[i] != u'\r' && piece[i] != u'\n')
                 continue;
-            const QStringView rawLine = QStringView(piece).mid(from, i - from);
+            rawLines.append(QStringView(piece).mid(from, i - from));
             from = i + 1;
-            if (++source > MaxLines) {
-                m_truncated = true;
-                return;
+        }
+    }
+    // A footer in columns: runs of blanks that end at the same place in neighbouring lines
+    // part its cells. Such lines are read column by column, each column a block of its own,
+    // so that a firm, its street and its town stand under each other again.
+    QList<QList<qsizetype>> gaps;
+    if (whole.contains(u"   "_s)) {
+        QList<QList<qsizetype>> ends(rawLines.size());
+        for (qsizetype n = 0; n < rawLines.size(); ++n)
+            if (rawLines[n].size() <= MaxLineLength && rawLines[n].contains(u"   "_s))
+                ends[n] = gapEnds(rawLines[n]);
+        gaps.resize(rawLines.size());
+        for (qsizetype n = 0; n < rawLines.size(); ++n)
+            for (qsizetype end : ends[n])
+                if ((n > 0 && ends[n - 1].contains(end)) ||
+                    (n + 1 < ends.size() && ends[n + 1].contains(end)))
+                    gaps[n].append(end);
+    }
+    struct Unit {
+        QStringView text;
+        int source;
+    };
+    QList<Unit> units;
+    units.reserve(rawLines.size());
+    for (qsizetype n = 0; n < rawLines.size(); ++n) {
+        if (gaps.isEmpty() || gaps[n].isEmpty()) {
+            units.append({rawLines[n], int(n + 1)});
+            continue;
+        }
+        qsizetype last = n;
+        QList<qsizetype> starts;
+        for (; last < rawLines.size() && !gaps[last].isEmpty(); ++last)
+            for (qsizetype end : gaps[last])
+                if (!starts.contains(end))
+                    starts.append(end);
+        std::sort(starts.begin(), starts.end());
+        units.append({QStringView(), int(n + 1)});
+        for (qsizetype column = 0; column <= starts.size(); ++column) {
+            for (qsizetype m = n; m < last; ++m) {
+                const QStringView line = rawLines[m];
+                qsizetype from = 0;
+                for (qsizetype g = 0; g <= gaps[m].size(); ++g) {
+                    qsizetype to = g < gaps[m].size() ? gaps[m][g] : line.size();
+                    const qsizetype next = to;
+                    while (g < gaps[m].size() && to > from && line[to - 1].isSpace())
+                        --to;
+                    const qsizetype at =
+                        std::upper_bound(starts.cbegin(), starts.cend(), from) - starts.cbegin();
+                    if (at == column)
+                        units.append({line.mid(from, to - from), int(m + 1)});
+                    from = next;
+                }
             }
+            units.append({QStringView(), int(last)});
+        }
+        n = last - 1;
+    }
+    if (rawLines.size() > MaxLines)
+        m_truncated = true;
+    int block = 0;
+    bool lastBlank = true;
+    for (const Unit& unit : units) {
+        {
+            const QStringView rawLine = unit.text;
+            const int source = unit.source;
+            if (source > MaxLines)
+                return;
             QString t = cleaned(rawLine.left(MaxLineLength * 4));
             bool quoted = false;
             while (!t.isEmpty() && (t.front() == u'>' || t.front() == u' ')) {
@@ -151,9 +255,9 @@ void Analysis::cut(const QString& text, const QString& separator)
             l.block = block;
             l.quoted = quoted;
             if (t.startsWith(headStart) && t.endsWith(headEnd)) {
-                const qsizetype n = t.size() - headStart.size() - headEnd.size();
+                const qsizetype len = t.size() - headStart.size() - headEnd.size();
                 l.kind = Kind::Heading;
-                l.value = n > 0 ? t.mid(headStart.size(), n).trimmed() : QString();
+                l.value = len > 0 ? t.mid(headStart.size(), len).trimmed() : QString();
                 l.text = t;
                 l.why = u"Kopfzeile \"Details der … schließen\""_s;
             } else {

@@ -144,6 +144,8 @@ Knowledge load()
                 DialCode{p[0], p.value(1), p.value(2).split(u',', Qt::SkipEmptyParts)});
         else if (kind == u"tld"_s)
             k.topLevelDomains.insert(p[0], p.value(1));
+        else if (kind == u"format"_s)
+            k.postalFormats.append({p[0], p.mid(1).join(u'|')});
     }
     std::stable_sort(
         k.dialCodes.begin(), k.dialCodes.end(),

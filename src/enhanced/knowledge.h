@@ -87,6 +87,8 @@ struct Knowledge {
     QList<std::pair<QString, Label>> labelPrefixes;
     QHash<QString, QString> countries; // lower-case name -> German name
     QHash<QString, PostalPrefix> postalPrefixes;
+    // Postcode shapes ("NN-NNN") with the German names of their countries, "|" between.
+    QList<std::pair<QString, QString>> postalFormats;
     QList<DialCode> dialCodes; // longest code first
     QHash<QString, QString> topLevelDomains;
     QSet<QString> usStates;

@@ -133,6 +133,16 @@ QString CountryOfNumber(const QString& number)
 {
     QString country;
     nationalDigits(number, &country);
+    // Only Switzerland writes its numbers "044 123 45 67": a two-digit area code behind the
+    // trunk zero, then three, two and two digits.
+    static const QString swiss = u"0NN NNN NN NN"_s;
+    if (country.isEmpty() && number.size() == swiss.size()) {
+        bool fits = true;
+        for (qsizetype i = 0; fits && i < number.size(); ++i)
+            fits = swiss[i] == u'N' ? isDigit(number[i]) : number[i] == swiss[i];
+        if (fits && number[1] != u'0')
+            country = u"Schweiz"_s;
+    }
     return country;
 }
 

@@ -30,6 +30,8 @@ struct Place {
     QString ort;
     QString land;   // named in the line (prefix or country name), German
     QString system; // "5", "4", "uk", "us", "nl", or the prefix's country
+    // The postcode's shape is used by more countries than land.
+    bool shared = false;
 };
 
 enum class PhoneRole { Direct, Plain, Second, Main, Fax, Mobile };

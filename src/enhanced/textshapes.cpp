@@ -1,6 +1,8 @@
 #include "recognise.h"
 #include "wordbits.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
@@ -33,6 +35,108 @@ std::optional<Label> combinedPhoneLabel(const QString& lowerLabel)
             out.qualifier = l->qualifier;
     }
     return out;
+}
+
+// A phone label word, also as the end of a compound ("Rezepthotline", "Notfall-Handy").
+const Label* phoneWord(const QString& lowerWord)
+{
+    const Knowledge& k = knowledge();
+    if (const Label* l = k.label(lowerWord))
+        return l->kind == LabelKind::Phone ? l : nullptr;
+    if (const qsizetype dash = lowerWord.lastIndexOf(u'-'); dash > 0)
+        return phoneWord(lowerWord.mid(dash + 1));
+    // Long words only: "Steuernummer" and "Kundennr." end in no phone word.
+    static const QStringList stems{u"telefon"_s, u"hotline"_s, u"handy"_s,
+                                   u"telefax"_s, u"mobil"_s,   u"phone"_s};
+    for (const QString& stem : stems)
+        if (lowerWord.size() > stem.size() + 2 && lowerWord.endsWith(stem))
+            return k.label(stem);
+    return nullptr;
+}
+
+// A label not in the list that still names a phone or mail: "Telefon tagsüber", "Telefon
+// Geschäftsstelle", "Notfall-Handy", "Our phone number remains unchanged", "General
+// mailbox". Only with a value that is nothing but a number or an address when the label
+// does not start with the phone word.
+std::optional<Label> looseLabel(const QString& lowerLabel, QStringView value)
+{
+    const Knowledge& k = knowledge();
+    // "Straße / Hausnr.", "PLZ & Ort": the list has them with "/" and "und".
+    QString tight = lowerLabel;
+    tight.replace(u" / "_s, u"/"_s).replace(u" & "_s, u" und "_s).replace(u" + "_s, u" und "_s);
+    if (const Label* l = k.label(tight); l && tight != lowerLabel)
+        return *l;
+    const QStringList words =
+        QString(lowerLabel).replace(u'/', u' ').split(u' ', Qt::SkipEmptyParts);
+    if (words.isEmpty() || words.size() > 6 || value.isEmpty())
+        return std::nullopt;
+    std::optional<Label> phone;
+    bool mail = false;
+    bool leading = false;
+    const auto qualify = [&phone](const Label* l) {
+        if (!phone)
+            phone = Label{LabelKind::Phone, {}};
+        // An emergency mobile is an emergency line; a fax number is a fax whatever else.
+        const QString& q = l->qualifier;
+        const QString& have = phone->qualifier;
+        if (!q.isEmpty() &&
+            (have.isEmpty() || q == u"fax"_s || (q == u"second"_s && have != u"fax"_s)))
+            phone->qualifier = q;
+    };
+    // Words of a sentence that leads to a number: "Sie erreichen uns unter:", "Our new
+    // number:".
+    static const QSet<QString> calling{u"nummer"_s,     u"number"_s,  u"erreichen"_s,
+                                       u"erreichbar"_s, u"anrufen"_s, u"call"_s,
+                                       u"reach"_s,      u"numéro"_s,  u"numero"_s};
+    static const Label plain{LabelKind::Phone, {}};
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        const QString& w = words[i];
+        mail = mail || w.contains(u"mail"_s) || w == u"courriel"_s;
+        const Label* l = phoneWord(w);
+        if (!l && calling.contains(w) && i > 0)
+            l = &plain;
+        if (!l)
+            continue;
+        leading = leading || i == 0;
+        qualify(l);
+        // "Notfall-Handy": the part in front qualifies too.
+        if (const qsizetype dash = w.indexOf(u'-'); dash > 0)
+            if (const Label* head = k.label(w.left(dash)); head && head->kind == LabelKind::Phone)
+                qualify(head);
+    }
+    if (phone) {
+        const bool number =
+            leading ? ParsePhone(value, false).has_value() : ParsePhone(value, true).has_value();
+        if (number)
+            return phone;
+    }
+    if (mail && Words(value).size() == 1 && !FindEMail(value).isEmpty())
+        return Label{LabelKind::Email, {}};
+    // "Buchung: +43 512 …", "Werkstatt: 0821 …": a short label of a department with nothing
+    // but a number behind it, written with its area code as only phone numbers are; not an
+    // account, customer or tax number, not opening hours.
+    static const QStringList notPhone{u"nummer"_s, u"nr"_s,  u"number"_s, u"no."_s,
+                                      u"konto"_s,  u"blz"_s, u"iban"_s,   u"bic"_s,
+                                      u"steuer"_s, u"ust"_s, u"zeit"_s,   u"id"_s};
+    const auto areaCode = [&value] {
+        qsizetype i = value.startsWith(u'+') ? 1 : value.startsWith(u"(0"_s) ? 1 : 0;
+        if (i == 0 && !value.startsWith(u'0'))
+            return false;
+        const qsizetype from = i;
+        while (i < value.size() && isDigit(value[i]))
+            ++i;
+        // "0000123456" is a register number: a phone number has a real area code and is
+        // written in groups.
+        const bool grouped = value.contains(u' ') || value.contains(u'/') || value.contains(u'-');
+        if (!grouped || value.mid(from).startsWith(u"00"_s))
+            return false;
+        return i - from >= (from == 1 ? 2 : 3);
+    };
+    if (words.size() <= 2 && areaCode() && ParsePhone(value, true).has_value() &&
+        std::none_of(notPhone.cbegin(), notPhone.cend(),
+                     [&lowerLabel](const QString& w) { return lowerLabel.contains(w); }))
+        return Label{LabelKind::Phone, u"second"_s};
+    return std::nullopt;
 }
 
 } // namespace
@@ -208,12 +312,19 @@ std::optional<LabelHit> ParseLabel(QStringView text)
     const Knowledge& k = knowledge();
     const qsizetype colon = text.indexOf(u':');
     if (colon > 0 && colon <= 60 && !text.mid(colon).startsWith(u"://"_s)) {
-        const QStringView name = text.left(colon).trimmed();
+        QStringView name = text.left(colon).trimmed();
+        // "Bereitschaft (24 h):": a note in brackets qualifies the label, it is no value.
+        if (const qsizetype open = name.indexOf(u" ("_s);
+            open > 0 && name.endsWith(u')') && name.count(u'(') == 1)
+            name = name.left(open);
         // An ordinal may open a label ("1. Vorsitzende:"), other digits make it a value.
         const bool ordinal = name.size() > 3 && isDigit(name[0]) && name[1] == u'.' &&
                              name[2] == u' ' && CountDigitsIn(name) == 1;
-        if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal) && !name.contains(u'@') &&
-            WordCount(name) <= 6) {
+        // So may the number of a form's line: "Address line 1:", "Adresszeile 2:".
+        const bool lineNumber = name.size() > 3 && isDigit(name.back()) &&
+                                name[name.size() - 2] == u' ' && CountDigitsIn(name) == 1;
+        if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal || lineNumber) &&
+            !name.contains(u'@') && WordCount(name) <= 6) {
             LabelHit hit;
             hit.name = name.toString();
             hit.rest = text.mid(colon + 1).trimmed().toString();
@@ -225,8 +336,23 @@ std::optional<LabelHit> ParseLabel(QStringView text)
             } else if (const auto combined = combinedPhoneLabel(lower)) {
                 hit.known = true;
                 hit.label = *combined;
+            } else if (const auto loose = looseLabel(lower, hit.rest)) {
+                hit.known = true;
+                hit.label = *loose;
             }
-            return hit;
+            // "Halle 3: Eingang Süd" is no label but a place.
+            const bool numbered = lineNumber && !ordinal && CountDigitsIn(name) > 0;
+            if (hit.known || !numbered) {
+                // "Tel. (Zentrale):"
+                const QStringView note = text.left(colon).mid(name.size()).trimmed();
+                if (hit.known && hit.label.kind == LabelKind::Phone && note.size() > 2 &&
+                    note.front() == u'(' && note.back() == u')')
+                    if (const Label* q =
+                            k.label(note.mid(1, note.size() - 2).trimmed().toString().toLower());
+                        q && q->kind == LabelKind::Phone && !q->qualifier.isEmpty())
+                        hit.label.qualifier = q->qualifier;
+                return hit;
+            }
         }
     }
     // Phone, mail and web labels also stand without a colon: "Tel. 0711 1234", "Fax 0711".
