@@ -1,6 +1,7 @@
 #include "davbook.h"
 
 #include "analysis/fields.h"
+#include "books/contactview.h"
 #include "credentials/credentials.h"
 #include "duplicates/textsearch.h"
 
@@ -252,87 +253,65 @@ template <typename F> auto guarded(F&& f)
     }
 }
 
-// Collects a transfer's values and writes the card once at its end: one PUT for a new
-// contact, a read and one conditional PUT for an edit.
-class DavContactView : public act::ContactViewObject {
+// One PUT for a new contact, a read and one conditional PUT for an edit.
+class DavContactView : public CollectingContactView<QString> {
 public:
     explicit DavContactView(DavBookPtr book) : m_book(std::move(book)) {}
-    void AddNewContact() override { m_transfer = Transfer{true, {}, {}}; }
-    // Without AddNewContact the transfer edits the book's current contact, taken at its first
-    // write, as the SQLite book does.
-    void SetField(qint32 fieldId, const QString& value) override
+
+protected:
+    QString editedContact() override
     {
-        failing([&] {
-            if (!m_transfer) {
-                const std::optional<QString> current = m_book->editedContact();
-                if (!current)
-                    throw act::ActError(u"the address book has no current contact"_s);
-                m_transfer = Transfer{false, *current, {}};
-            }
-            if (fieldId < 1 || fieldId > std::numeric_limits<qint16>::max())
-                throw act::ActError(u"the address book has no field %1"_s.arg(fieldId));
-            m_transfer->values.append({fieldId, value, {}});
-        });
+        const std::optional<QString> current = m_book->editedContact();
+        if (!current)
+            throw act::ActError(u"the address book has no current contact"_s);
+        return *current;
     }
-    void EndTransfer() override
+    void checkField(qint32 fieldId) override
     {
-        if (!m_transfer)
-            return;
-        failing([&] {
-            Transfer transfer = *std::exchange(m_transfer, std::nullopt);
-            carddav::AddressBook& book = m_book->book();
-            labelUserFields(book, transfer.values);
-            const carddav::CardRef written =
-                transfer.create ? book.create(transfer.values) : edit(book, transfer);
-            m_book->filed(contactIdOf(written.url));
-        });
+        if (fieldId < 1 || fieldId > std::numeric_limits<qint16>::max())
+            throw act::ActError(u"the address book has no field %1"_s.arg(fieldId));
     }
+    void file(const std::optional<QString>& contact, QList<FieldValue> values) override
+    {
+        carddav::AddressBook& book = m_book->book();
+        labelUserFields(book, values);
+        const carddav::CardRef written =
+            contact ? edit(book, *contact, values) : book.create(values);
+        m_book->filed(contactIdOf(written.url));
+    }
+    void guarded(const std::function<void()>& f) override { books::guarded(f); }
 
 private:
-    struct Transfer {
-        bool create = false;
-        QString contact; // the one an edit writes into
-        QList<carddav::FieldValue> values;
-    };
     // The chosen card read afresh and written with If-Match: never another card in its place,
     // and none created when it is gone.
-    carddav::CardRef edit(carddav::AddressBook& book, const Transfer& transfer)
+    carddav::CardRef edit(carddav::AddressBook& book, const QString& contact,
+                          const QList<FieldValue>& values)
     {
         try {
-            return book.update(m_book->cardUrl(transfer.contact), transfer.values);
+            return book.update(m_book->cardUrl(contact), values);
         } catch (const DavError& e) {
             if (e.kind() != DavError::NotFound || !m_book->editsChoice())
                 throw;
             throw act::ActError(
-                u"the contact %1 chosen for editing no longer exists"_s.arg(transfer.contact));
+                u"the contact %1 chosen for editing no longer exists"_s.arg(contact));
         }
     }
     // User fields carry their label in the card; the book knows the labels already used.
-    static void labelUserFields(carddav::AddressBook& book, QList<carddav::FieldValue>& values)
+    static void labelUserFields(carddav::AddressBook& book, QList<FieldValue>& values)
     {
         bool any = false;
-        for (const carddav::FieldValue& v : values)
+        for (const FieldValue& v : values)
             any = any || !standardField(v.fieldId);
         if (!any)
             return;
         QMap<qint32, QString> labels;
         for (const carddav::BookField& f : book.fields())
             labels.insert(f.id, f.label);
-        for (carddav::FieldValue& v : values)
+        for (FieldValue& v : values)
             if (!standardField(v.fieldId))
                 v.label = labels.value(v.fieldId);
     }
-    template <typename F> void failing(F&& f)
-    {
-        try {
-            guarded(std::forward<F>(f));
-        } catch (...) {
-            m_transfer.reset();
-            throw;
-        }
-    }
     DavBookPtr m_book;
-    std::optional<Transfer> m_transfer;
 };
 
 class DavViews : public act::ViewsObject {

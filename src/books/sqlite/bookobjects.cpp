@@ -1,5 +1,6 @@
 // The automation objects on the embedded contact book: what a fresh machine talks to.
 
+#include "books/contactview.h"
 #include "contactbook.h"
 #include "sqlitebook.h"
 
@@ -28,51 +29,20 @@ template <typename F> auto guarded(F&& f)
 using BookPtr = std::shared_ptr<ContactBook>;
 using ChosenPtr = std::shared_ptr<ChosenContact>;
 
-// Collects a transfer's values and writes them in one transaction at its end, so that a
-// transfer failed or killed half-way leaves no trace, and one running at the same time in
-// another program never writes into this one's contact.
-class BookContactView : public ContactViewObject {
+// One transaction at the end of a transfer, so that one running at the same time in another
+// program never writes into this one's contact.
+class BookContactView : public books::CollectingContactView<qint64> {
 public:
     BookContactView(BookPtr book, TransferWritten written, ChosenPtr chosen)
         : m_book(std::move(book)), m_written(std::move(written)), m_chosen(std::move(chosen))
     {
     }
-    void AddNewContact() override { m_transfer = Transfer{}; }
-    // Without AddNewContact the transfer edits the book's current contact, taken once at its
-    // first write: a contact chosen elsewhere (on the command line) is the one "Bearbeiten"
-    // overwrites, and a later change of that choice does not redirect this transfer.
-    void SetField(qint32 fieldId, const QString& value) override
-    {
-        failing([&] {
-            if (!m_transfer)
-                m_transfer = Transfer{editedContact(), {}};
-            if (!m_book->fieldLabel(fieldId))
-                throw BookError(BookError::NotFound,
-                                u"the contact book has no field %1"_s.arg(fieldId));
-            m_transfer->values.append({fieldId, value});
-        });
-    }
-    void EndTransfer() override
-    {
-        if (!m_transfer) // an edit that wrote nothing
-            return;
-        failing([&] {
-            const Transfer transfer = *std::exchange(m_transfer, std::nullopt);
-            const qint64 id = m_book->writeContact(transfer.contact, transfer.values);
-            if (m_chosen)
-                m_chosen->id = id;
-            if (m_written)
-                m_written(id);
-        });
-    }
 
-private:
-    struct Transfer {
-        std::optional<qint64> contact; // empty: a new one
-        QList<FieldValue> values;
-    };
-    // The contact this program chose, when it chose one: never another in its place.
-    qint64 editedContact()
+protected:
+    // The contact this program chose, when it chose one, and never another in its place; else
+    // the book's current contact: one chosen elsewhere (on the command line) is the one
+    // "Bearbeiten" overwrites.
+    qint64 editedContact() override
     {
         if (m_chosen && m_chosen->id) {
             if (!m_book->hasContact(*m_chosen->id))
@@ -86,20 +56,26 @@ private:
             throw BookError(BookError::NotFound, u"the contact book has no current contact"_s);
         return *current;
     }
-    // A failed call ends the transfer: its values are dropped, the next call starts afresh.
-    template <typename F> void failing(F&& f)
+    void checkField(qint32 fieldId) override
     {
-        try {
-            guarded(std::forward<F>(f));
-        } catch (...) {
-            m_transfer.reset();
-            throw;
-        }
+        if (!m_book->fieldLabel(fieldId))
+            throw BookError(BookError::NotFound,
+                            u"the contact book has no field %1"_s.arg(fieldId));
     }
+    void file(const std::optional<qint64>& contact, QList<FieldValue> values) override
+    {
+        const qint64 id = m_book->writeContact(contact, values);
+        if (m_chosen)
+            m_chosen->id = id;
+        if (m_written)
+            m_written(id);
+    }
+    void guarded(const std::function<void()>& f) override { act::guarded(f); }
+
+private:
     BookPtr m_book;
     TransferWritten m_written;
     ChosenPtr m_chosen;
-    std::optional<Transfer> m_transfer;
 };
 
 class BookViews : public ViewsObject {
