@@ -21,8 +21,9 @@ using carddav::DavError;
 namespace {
 
 constexpr quint32 Magic = 0x5A464349; // "ZFCI"
-// Raised whenever what is stored per card or how an identity is made changes.
-constexpr qint32 Version = 1;
+// Raised whenever what is stored per card changes, and with the SQLite book's KeyRules (how an
+// identity is made): the identities are stored as made.
+constexpr qint32 Version = 2;
 
 // What identityOf, matchOf and the text search read.
 const QSet<qint32>& indexedFields()
@@ -239,7 +240,9 @@ void CardIndex::load()
             in >> field >> value;
             card.values.append({field, value});
         }
-        card.identity = dup::identityOf(card.values);
+        // Stored as made: normalising 10,000 cards' numbers again would cost most of a run.
+        in >> card.identity.person >> card.identity.company >> card.identity.emails >>
+            card.identity.mobiles;
         cards.insert(id, std::move(card));
     }
     if (in.status() != QDataStream::Ok || cards.size() != count)
@@ -262,6 +265,8 @@ void CardIndex::save()
         out << it.key() << it->etag << qint32(it->values.size());
         for (const auto& [field, value] : it->values)
             out << field << value;
+        out << it->identity.person << it->identity.company << it->identity.emails
+            << it->identity.mobiles;
     }
     if (out.status() == QDataStream::Ok)
         f.commit();
