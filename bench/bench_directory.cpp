@@ -127,8 +127,10 @@ struct FilledServer {
             if (git.exitCode() != 0)
                 error = u"git commit failed: "_s + QString::fromUtf8(git.readAll());
         }
-        if (error.isEmpty())
+        if (error.isEmpty()) {
+            useFolders();
             error = cold(); // the server's first read of its folder, not ours
+        }
     }
 
     books::BookLocation location() const
@@ -154,6 +156,12 @@ struct FilledServer {
         return {};
     }
     QString cacheHome() const { return state.filePath(u"cache"_s); }
+    // Never the user's own cache and state folders.
+    void useFolders() const
+    {
+        qputenv("XDG_CACHE_HOME", cacheHome().toUtf8());
+        qputenv("XDG_STATE_HOME", state.filePath(u"state"_s).toUtf8());
+    }
 };
 
 FilledServer* filled(benchmark::State& state)
@@ -168,8 +176,7 @@ FilledServer* filled(benchmark::State& state)
         state.SkipWithError(qPrintable(server->error));
         return nullptr;
     }
-    qputenv("XDG_CACHE_HOME", server->cacheHome().toUtf8());
-    qputenv("XDG_STATE_HOME", server->state.filePath(u"state"_s).toUtf8());
+    server->useFolders();
     return server.get();
 }
 
