@@ -292,16 +292,8 @@ int davContactsCommand(const QString& command, const QStringList& args, DavBook&
             dav.setCurrentContact(id);
         print(listLine(id, books::cardValues(card.data), true));
     } else if (command == u"find"_s) {
-        const dup::TextSearch search(args[0]);
-        QList<dup::Match> matches;
-        for (const carddav::Card& card : allCards(book)) {
-            dup::FieldValues values;
-            for (const BookValue& v : books::cardValues(card.data))
-                values.append({v.fieldId, v.value});
-            if (std::any_of(values.begin(), values.end(),
-                            [&search](const auto& v) { return search.matches(v.first, v.second); }))
-                matches.append(dup::matchOf(books::contactIdOf(card.url), values));
-        }
+        const QList<dup::Match> matches =
+            books::DavDuplicateLookup(dav).search(args[0], std::numeric_limits<int>::max());
         printJson(QJsonObject{{u"matches"_s, matchesToJson(matches, false)}});
     } else if (command == u"fields"_s) {
         for (const carddav::BookField& f : book.fields())
@@ -363,11 +355,10 @@ struct LinkTransfer {
 
 // Looks the new contact up before anything is written, so that a refused duplicate leaves the
 // book as it was. Returns the exit status when the transfer ends here. With
-// --update-duplicate and one match, that contact becomes the current one and the transfer an
-// edit.
+// --update-duplicate and one match, that contact becomes the chosen one and the transfer an
+// edit of it, whatever another program makes current meanwhile.
 std::optional<int> checkDuplicates(bool& create, const AnalyseRun& run, OnDuplicate onDuplicate,
-                                   dup::DuplicateLookup& lookup, QList<dup::Match>& duplicates,
-                                   const std::function<void(const QString&)>& makeCurrent)
+                                   dup::ContactDirectory& lookup, QList<dup::Match>& duplicates)
 {
     const dup::Identity identity = dup::identityOfRows(run.session.rows);
     if (!create || onDuplicate == OnDuplicate::Allow || identity.isEmpty() ||
@@ -377,7 +368,7 @@ std::optional<int> checkDuplicates(bool& create, const AnalyseRun& run, OnDuplic
     if (duplicates.isEmpty())
         return std::nullopt;
     if (onDuplicate == OnDuplicate::Update && duplicates.size() == 1) {
-        makeCurrent(duplicates.first().id); // as "Bearbeiten" files into the current contact
+        lookup.setCurrent(duplicates.first().id); // as "Bearbeiten" files into the chosen one
         create = false;
         return std::nullopt;
     }
@@ -407,12 +398,11 @@ int davTransfer(bool create, const books::BookLocation& location, const AnalyseO
     AnalyseRun run;
     if (const QString e = analyseInput(options, run); !e.isEmpty())
         return usageError(e);
+    const books::OpenedBook opened = books::openDavBook(dav);
     QList<dup::Match> duplicates;
     try {
-        books::DavDuplicateLookup lookup(*dav);
         if (const std::optional<int> stop =
-                checkDuplicates(create, run, onDuplicate, lookup, duplicates,
-                                [&dav](const QString& id) { dav->setCurrentContact(id); }))
+                checkDuplicates(create, run, onDuplicate, *opened.directory, duplicates))
             return *stop;
     } catch (const DavError& e) {
         return failure(e.message());
@@ -420,18 +410,18 @@ int davTransfer(bool create, const books::BookLocation& location, const AnalyseO
         return failure(e.message());
     }
 
-    std::optional<QString> written;
-    dav->setWritten([&written](const QString& id) { written = id; });
-    LinkTransfer t(books::makeDavBookFactory(dav), create, run);
+    LinkTransfer t(opened.objects, create, run);
     if (!duplicates.isEmpty()) {
         t.out.insert(u"mode"_s, u"new"_s);
         t.out.insert(u"updatedDuplicate"_s, matchToJson(duplicates.first(), true));
     }
     try {
+        // The contact written, or the chosen one for an edit that wrote nothing.
+        const std::optional<QString> edited = dav->editedContact();
+        if (t.prompted && !edited)
+            throw DavError(DavError::NotFound, u"the address book has no current contact"_s);
         if (t.prompted)
-            t.out.insert(
-                u"contact"_s,
-                contactToJson(*dav, fetchCard(*dav, written ? *written : chosenContact(*dav, {}))));
+            t.out.insert(u"contact"_s, contactToJson(*dav, fetchCard(*dav, *edited)));
     } catch (const DavError& e) {
         return failure(e.message());
     }
@@ -450,37 +440,34 @@ int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& optio
     if (const QString e = analyseInput(options, run); !e.isEmpty())
         return usageError(e);
 
+    const books::OpenedBook opened = books::openBook({path, {}, {}}, nullptr);
     QList<dup::Match> duplicates;
     try {
-        if (create && onDuplicate != OnDuplicate::Allow) { // else no need to open it again
-            ContactBook book(path);
-            BookDuplicateLookup lookup(book);
-            if (const std::optional<int> stop = checkDuplicates(
-                    create, run, onDuplicate, lookup, duplicates,
-                    [&book](const QString& id) { book.setCurrentContact(*parseContactId(id)); }))
-                return *stop;
-        }
-    } catch (const BookError& e) {
+        if (const std::optional<int> stop =
+                checkDuplicates(create, run, onDuplicate, *opened.directory, duplicates))
+            return *stop;
+    } catch (const ActError& e) {
         return failure(e.message());
     }
 
-    // The contact this transfer wrote: the book's current contact may already be another
-    // program's by the time the answer is printed.
-    std::optional<qint64> written;
-    LinkTransfer t(makeContactBookFactory(path, [&written](qint64 id) { written = id; }), create,
-                   run);
+    LinkTransfer t(opened.objects, create, run);
     if (!duplicates.isEmpty()) {
         t.out.insert(u"mode"_s, u"new"_s);
         t.out.insert(u"updatedDuplicate"_s, matchToJson(duplicates.first(), true));
     }
     try {
         if (t.prompted) {
+            // The contact this transfer wrote (or, for an edit that wrote nothing, the one it
+            // addressed): the book's current contact may already be another program's.
+            const std::optional<dup::Match> written = opened.directory->current();
+            if (!written)
+                throw BookError(BookError::NotFound, u"the contact book has no current contact"_s);
             ContactBook book(path, ContactBook::Access::Read);
-            // An edit without a single field wrote nothing: it addressed the current contact.
-            t.out.insert(u"contact"_s,
-                         contactToJson(book, written ? *written : chosenContact(book, {})));
+            t.out.insert(u"contact"_s, contactToJson(book, *parseContactId(written->id)));
         }
     } catch (const BookError& e) {
+        return failure(e.message());
+    } catch (const ActError& e) {
         return failure(e.message());
     }
     return t.finish();

@@ -42,4 +42,15 @@ makeBookFactory(const BookLocation& location, std::shared_ptr<credentials::Crede
     return makeDavBookFactory(std::make_shared<DavBook>(location, std::move(credentials)));
 }
 
+OpenedBook openBook(const BookLocation& location,
+                    std::shared_ptr<credentials::Credentials> credentials)
+{
+    if (!isServerLocation(location.location)) {
+        auto chosen = std::make_shared<act::ChosenContact>();
+        return {act::makeContactBookFactory(location.location, {}, chosen),
+                act::makeContactBookDirectory(location.location, chosen)};
+    }
+    return openDavBook(std::make_shared<DavBook>(location, std::move(credentials)));
+}
+
 } // namespace zf::books

@@ -1,7 +1,9 @@
 #include "davbook.h"
 
 #include "analysis/fields.h"
+#include "books/contactview.h"
 #include "credentials/credentials.h"
+#include "duplicates/textsearch.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -193,6 +195,50 @@ void DavBook::setCurrentContact(const QString& contactId)
     }
 }
 
+std::optional<QString> DavBook::editedContact()
+{
+    if (editsChoice())
+        return m_chosen;
+    return currentContact();
+}
+
+void DavBook::choose(const QString& contactId)
+{
+    if (!isDavContactId(contactId))
+        throw act::ActError(u"there is no contact %1"_s.arg(contactId));
+    try {
+        book().get(cardUrl(contactId));
+    } catch (const DavError& e) {
+        if (e.kind() == DavError::NotFound)
+            throw act::ActError(u"there is no contact %1"_s.arg(contactId));
+        throw act::ActError(e.message());
+    }
+    setCurrentContact(contactId);
+    m_chosen = contactId;
+}
+
+void DavBook::filed(const QString& contactId)
+{
+    // The card is filed: a state folder we cannot write must not turn that into a failure,
+    // which would invite a second "Neu Anlegen". This run still knows it.
+    try {
+        setCurrentContact(contactId);
+    } catch (const act::ActError&) {
+    }
+    if (m_keepsChoice)
+        m_chosen = contactId;
+    written(contactId);
+}
+
+const CardIndex& DavBook::index()
+{
+    carddav::AddressBook& dav = book();
+    if (!m_index)
+        m_index = std::make_unique<CardIndex>(dav.url(), userOf(m_location));
+    m_index->refresh(dav);
+    return *m_index;
+}
+
 namespace {
 
 using DavBookPtr = std::shared_ptr<DavBook>;
@@ -207,82 +253,65 @@ template <typename F> auto guarded(F&& f)
     }
 }
 
-// Collects a transfer's values and writes the card once at its end: one PUT for a new
-// contact, a read and one conditional PUT for an edit.
-class DavContactView : public act::ContactViewObject {
+// One PUT for a new contact, a read and one conditional PUT for an edit.
+class DavContactView : public CollectingContactView<QString> {
 public:
     explicit DavContactView(DavBookPtr book) : m_book(std::move(book)) {}
-    void AddNewContact() override { m_transfer = Transfer{true, {}, {}}; }
-    // Without AddNewContact the transfer edits the book's current contact, taken at its first
-    // write, as the SQLite book does.
-    void SetField(qint32 fieldId, const QString& value) override
+
+protected:
+    QString editedContact() override
     {
-        failing([&] {
-            if (!m_transfer) {
-                const std::optional<QString> current = m_book->currentContact();
-                if (!current)
-                    throw act::ActError(u"the address book has no current contact"_s);
-                m_transfer = Transfer{false, *current, {}};
-            }
-            if (fieldId < 1 || fieldId > std::numeric_limits<qint16>::max())
-                throw act::ActError(u"the address book has no field %1"_s.arg(fieldId));
-            m_transfer->values.append({fieldId, value, {}});
-        });
+        const std::optional<QString> current = m_book->editedContact();
+        if (!current)
+            throw act::ActError(u"the address book has no current contact"_s);
+        return *current;
     }
-    void EndTransfer() override
+    void checkField(qint32 fieldId) override
     {
-        if (!m_transfer)
-            return;
-        failing([&] {
-            Transfer transfer = *std::exchange(m_transfer, std::nullopt);
-            carddav::AddressBook& book = m_book->book();
-            labelUserFields(book, transfer.values);
-            const carddav::CardRef written =
-                transfer.create ? book.create(transfer.values)
-                                : book.update(m_book->cardUrl(transfer.contact), transfer.values);
-            const QString id = contactIdOf(written.url);
-            // The card is filed: a state folder we cannot write must not turn that into a
-            // failure, which would invite a second "Neu Anlegen". This run still knows it.
-            try {
-                m_book->setCurrentContact(id);
-            } catch (const act::ActError&) {
-            }
-            m_book->written(id);
-        });
+        if (fieldId < 1 || fieldId > std::numeric_limits<qint16>::max())
+            throw act::ActError(u"the address book has no field %1"_s.arg(fieldId));
     }
+    void file(const std::optional<QString>& contact, QList<FieldValue> values) override
+    {
+        carddav::AddressBook& book = m_book->book();
+        labelUserFields(book, values);
+        const carddav::CardRef written =
+            contact ? edit(book, *contact, values) : book.create(values);
+        m_book->filed(contactIdOf(written.url));
+    }
+    void guarded(const std::function<void()>& f) override { books::guarded(f); }
 
 private:
-    struct Transfer {
-        bool create = false;
-        QString contact; // the one an edit writes into
-        QList<carddav::FieldValue> values;
-    };
+    // The chosen card read afresh and written with If-Match: never another card in its place,
+    // and none created when it is gone.
+    carddav::CardRef edit(carddav::AddressBook& book, const QString& contact,
+                          const QList<FieldValue>& values)
+    {
+        try {
+            return book.update(m_book->cardUrl(contact), values);
+        } catch (const DavError& e) {
+            if (e.kind() != DavError::NotFound || !m_book->editsChoice())
+                throw;
+            throw act::ActError(
+                u"the contact %1 chosen for editing no longer exists"_s.arg(contact));
+        }
+    }
     // User fields carry their label in the card; the book knows the labels already used.
-    static void labelUserFields(carddav::AddressBook& book, QList<carddav::FieldValue>& values)
+    static void labelUserFields(carddav::AddressBook& book, QList<FieldValue>& values)
     {
         bool any = false;
-        for (const carddav::FieldValue& v : values)
+        for (const FieldValue& v : values)
             any = any || !standardField(v.fieldId);
         if (!any)
             return;
         QMap<qint32, QString> labels;
         for (const carddav::BookField& f : book.fields())
             labels.insert(f.id, f.label);
-        for (carddav::FieldValue& v : values)
+        for (FieldValue& v : values)
             if (!standardField(v.fieldId))
                 v.label = labels.value(v.fieldId);
     }
-    template <typename F> void failing(F&& f)
-    {
-        try {
-            guarded(std::forward<F>(f));
-        } catch (...) {
-            m_transfer.reset();
-            throw;
-        }
-    }
     DavBookPtr m_book;
-    std::optional<Transfer> m_transfer;
 };
 
 class DavViews : public act::ViewsObject {
@@ -409,24 +438,82 @@ std::shared_ptr<act::ObjectFactory> makeDavBookFactory(std::shared_ptr<DavBook> 
 
 QList<dup::Match> DavDuplicateLookup::find(const dup::Identity& identity)
 {
-    carddav::AddressBook& book = m_book.book();
-    QList<QUrl> urls;
-    for (const carddav::CardRef& ref : book.list())
-        urls.append(ref.url);
     QList<dup::Match> matches;
-    for (const carddav::Card& card : book.multiget(urls)) {
-        dup::FieldValues fields;
-        for (const act::BookValue& v : cardValues(card.data))
-            fields.append({v.fieldId, v.value});
-        const std::optional<dup::Reason> reason =
-            dup::sameContact(identity, dup::identityOf(fields));
-        if (!reason)
-            continue;
-        matches.append(dup::matchOf(contactIdOf(card.url), fields, *reason));
-    }
-    std::sort(matches.begin(), matches.end(),
-              [](const dup::Match& a, const dup::Match& b) { return a.id < b.id; });
+    const QMap<QString, IndexedCard>& cards = m_book.index().cards();
+    for (auto it = cards.cbegin(); it != cards.cend(); ++it)
+        if (const std::optional<dup::Reason> reason = dup::sameContact(identity, it->identity))
+            matches.append(dup::matchOf(it.key(), it->values, *reason));
     return matches;
+}
+
+QList<dup::Match> DavDuplicateLookup::search(const QString& text, int limit)
+{
+    const dup::TextSearch needle(text);
+    if (needle.isEmpty())
+        return {};
+    QList<dup::Match> matches;
+    const QMap<QString, IndexedCard>& cards = m_book.index().cards();
+    for (auto it = cards.cbegin(); it != cards.cend() && matches.size() < limit; ++it)
+        if (std::any_of(it->values.cbegin(), it->values.cend(),
+                        [&needle](const auto& v) { return needle.matches(v.first, v.second); }))
+            matches.append(dup::matchOf(it.key(), it->values));
+    return matches;
+}
+
+namespace {
+
+class DavDirectory : public dup::ContactDirectory {
+public:
+    explicit DavDirectory(DavBookPtr book) : m_book(std::move(book)), m_lookup(*m_book)
+    {
+        m_book->keepChoice();
+    }
+    QList<dup::Match> find(const dup::Identity& identity) override
+    {
+        return guarded([&] { return m_lookup.find(identity); });
+    }
+    QList<dup::Match> search(const QString& text, int limit) override
+    {
+        return guarded([&] { return m_lookup.search(text, limit); });
+    }
+    std::optional<dup::Match> current() override
+    {
+        return guarded([&]() -> std::optional<dup::Match> {
+            const std::optional<QString> id = m_book->editedContact();
+            if (!id)
+                return std::nullopt;
+            carddav::Card card;
+            try {
+                card = m_book->book().get(m_book->cardUrl(*id));
+            } catch (const DavError& e) {
+                if (e.kind() == DavError::NotFound)
+                    return std::nullopt;
+                throw;
+            }
+            dup::FieldValues values;
+            for (const act::BookValue& v : cardValues(card.data))
+                values.append({v.fieldId, v.value});
+            return dup::matchOf(*id, values);
+        });
+    }
+    void setCurrent(const QString& id) override { m_book->choose(id); }
+
+private:
+    DavBookPtr m_book;
+    DavDuplicateLookup m_lookup;
+};
+
+} // namespace
+
+std::shared_ptr<dup::ContactDirectory> makeDavDirectory(std::shared_ptr<DavBook> book)
+{
+    return std::make_shared<DavDirectory>(std::move(book));
+}
+
+OpenedBook openDavBook(std::shared_ptr<DavBook> book)
+{
+    auto directory = makeDavDirectory(book);
+    return {makeDavBookFactory(std::move(book)), std::move(directory)};
 }
 
 } // namespace zf::books

@@ -5,6 +5,7 @@
 
 #include "books.h"
 #include "books/carddav/addressbook.h"
+#include "books/cardindex.h"
 #include "books/sqlite/contactbook.h"
 
 #include <QUrl>
@@ -46,6 +47,23 @@ public:
     // An ActError when the state file cannot be written.
     void setCurrentContact(const QString& contactId);
 
+    // From now on this object remembers the contact this program chose or filed last, and
+    // edits write into that one whatever other programs make current meanwhile.
+    void keepChoice() { m_keepsChoice = true; }
+    // The contact an edit overwrites: this program's choice when it keeps one, else the
+    // current contact.
+    std::optional<QString> editedContact();
+    // Whether the contact to edit is this program's own choice, not the book's marker.
+    bool editsChoice() const { return m_keepsChoice && m_chosen.has_value(); }
+    // Makes the contact, which must exist, this program's choice and the current contact.
+    void choose(const QString& contactId);
+    // A transfer wrote that contact: it becomes the current one (kept for this run when the
+    // state file cannot be written) and this program's choice.
+    void filed(const QString& contactId);
+
+    // The identity keys of the book's cards, brought up to date with the server.
+    const CardIndex& index();
+
     // Told the contact id after every transfer that wrote (tests, the command line).
     void setWritten(std::function<void(const QString&)> written) { m_written = std::move(written); }
     void written(const QString& contactId) const
@@ -64,19 +82,29 @@ private:
     std::shared_ptr<carddav::DavClient> m_client;
     std::function<void(const QString&)> m_written;
     std::optional<QString> m_current; // when the state file has none for this book
+    bool m_keepsChoice = false;
+    std::optional<QString> m_chosen;
+    std::unique_ptr<CardIndex> m_index;
 };
 
 std::shared_ptr<act::ObjectFactory> makeDavBookFactory(std::shared_ptr<DavBook> book);
 
-// The CardDAV book's duplicate lookup: every card, listed and fetched in one multiget, compared
-// here, as a server's text-match cannot fold names or normalise numbers.
+// The CardDAV book's duplicate lookup and search: the book's cards compared here, as a
+// server's text-match cannot fold names or normalise numbers, from the card index.
 class DavDuplicateLookup : public dup::DuplicateLookup {
 public:
     explicit DavDuplicateLookup(DavBook& book) : m_book(book) {}
     QList<dup::Match> find(const dup::Identity& identity) override;
+    QList<dup::Match> search(const QString& text, int limit);
 
 private:
     DavBook& m_book;
 };
+
+// The directory of a CardDAV book; the book keeps this program's choice from now on.
+std::shared_ptr<dup::ContactDirectory> makeDavDirectory(std::shared_ptr<DavBook> book);
+
+// The book's objects and directory, sharing this program's choice.
+OpenedBook openDavBook(std::shared_ptr<DavBook> book);
 
 } // namespace zf::books

@@ -79,6 +79,7 @@ class TestDavBookCli : public QObject {
     {
         QProcessEnvironment e;
         e.insert("XDG_STATE_HOME", m_state.path());
+        e.insert("XDG_CACHE_HOME", m_state.filePath("cache"));
         if (!password.isNull())
             e.insert("ZETTELFISCHER_PASSWORD", password);
         return e;

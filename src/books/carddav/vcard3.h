@@ -4,6 +4,7 @@
 // program comes back byte for byte except for the lines we change.
 
 #include "analysis/fields.h"
+#include "books/fieldvalue.h"
 #include "books/vcard/vcardtext.h"
 
 #include <QByteArray>
@@ -16,14 +17,7 @@
 
 namespace zf::carddav {
 
-// One value a transfer sets: a field id, its text, and for fields outside the standard twenty
-// the field's label, which the card keeps next to the value.
-struct FieldValue {
-    qint32 fieldId = 0;
-    QString value;
-    QString label;
-    friend bool operator==(const FieldValue&, const FieldValue&) = default;
-};
+using books::FieldValue;
 
 using zf::BookField;
 

@@ -1,5 +1,6 @@
 // The automation objects on the embedded contact book: what a fresh machine talks to.
 
+#include "books/contactview.h"
 #include "contactbook.h"
 #include "sqlitebook.h"
 
@@ -26,100 +27,91 @@ template <typename F> auto guarded(F&& f)
 }
 
 using BookPtr = std::shared_ptr<ContactBook>;
+using ChosenPtr = std::shared_ptr<ChosenContact>;
 
-// Collects a transfer's values and writes them in one transaction at its end, so that a
-// transfer failed or killed half-way leaves no trace, and one running at the same time in
-// another program never writes into this one's contact.
-class BookContactView : public ContactViewObject {
+// One transaction at the end of a transfer, so that one running at the same time in another
+// program never writes into this one's contact.
+class BookContactView : public books::CollectingContactView<qint64> {
 public:
-    BookContactView(BookPtr book, TransferWritten written)
-        : m_book(std::move(book)), m_written(std::move(written))
+    BookContactView(BookPtr book, TransferWritten written, ChosenPtr chosen)
+        : m_book(std::move(book)), m_written(std::move(written)), m_chosen(std::move(chosen))
     {
     }
-    void AddNewContact() override { m_transfer = Transfer{}; }
-    // Without AddNewContact the transfer edits the book's current contact, taken once at its
-    // first write: a contact chosen elsewhere (on the command line) is the one "Bearbeiten"
-    // overwrites, and a later change of that choice does not redirect this transfer.
-    void SetField(qint32 fieldId, const QString& value) override
+
+protected:
+    // The contact this program chose, when it chose one, and never another in its place; else
+    // the book's current contact: one chosen elsewhere (on the command line) is the one
+    // "Bearbeiten" overwrites.
+    qint64 editedContact() override
     {
-        failing([&] {
-            if (!m_transfer) {
-                const std::optional<qint64> current = m_book->currentContact();
-                if (!current || !m_book->hasContact(*current))
-                    throw BookError(BookError::NotFound,
-                                    u"the contact book has no current contact"_s);
-                m_transfer = Transfer{current, {}};
-            }
-            if (!m_book->fieldLabel(fieldId))
-                throw BookError(BookError::NotFound,
-                                u"the contact book has no field %1"_s.arg(fieldId));
-            m_transfer->values.append({fieldId, value});
-        });
+        if (m_chosen && m_chosen->id) {
+            if (!m_book->hasContact(*m_chosen->id))
+                throw BookError(
+                    BookError::NotFound,
+                    u"the contact %1 chosen for editing no longer exists"_s.arg(*m_chosen->id));
+            return *m_chosen->id;
+        }
+        const std::optional<qint64> current = m_book->currentContact();
+        if (!current || !m_book->hasContact(*current))
+            throw BookError(BookError::NotFound, u"the contact book has no current contact"_s);
+        return *current;
     }
-    void EndTransfer() override
+    void checkField(qint32 fieldId) override
     {
-        if (!m_transfer) // an edit that wrote nothing
-            return;
-        failing([&] {
-            const Transfer transfer = *std::exchange(m_transfer, std::nullopt);
-            const qint64 id = m_book->writeContact(transfer.contact, transfer.values);
-            if (m_written)
-                m_written(id);
-        });
+        if (!m_book->fieldLabel(fieldId))
+            throw BookError(BookError::NotFound,
+                            u"the contact book has no field %1"_s.arg(fieldId));
     }
+    void file(const std::optional<qint64>& contact, QList<FieldValue> values) override
+    {
+        const qint64 id = m_book->writeContact(contact, values);
+        if (m_chosen)
+            m_chosen->id = id;
+        if (m_written)
+            m_written(id);
+    }
+    void guarded(const std::function<void()>& f) override { act::guarded(f); }
 
 private:
-    struct Transfer {
-        std::optional<qint64> contact; // empty: a new one
-        QList<FieldValue> values;
-    };
-    // A failed call ends the transfer: its values are dropped, the next call starts afresh.
-    template <typename F> void failing(F&& f)
-    {
-        try {
-            guarded(std::forward<F>(f));
-        } catch (...) {
-            m_transfer.reset();
-            throw;
-        }
-    }
     BookPtr m_book;
     TransferWritten m_written;
-    std::optional<Transfer> m_transfer;
+    ChosenPtr m_chosen;
 };
 
 class BookViews : public ViewsObject {
 public:
-    BookViews(BookPtr book, TransferWritten written)
-        : m_book(std::move(book)), m_written(std::move(written))
+    BookViews(BookPtr book, TransferWritten written, ChosenPtr chosen)
+        : m_book(std::move(book)), m_written(std::move(written)), m_chosen(std::move(chosen))
     {
     }
     std::shared_ptr<ContactViewObject> Create(qint16 viewType, const QString& viewName) override
     {
         if (viewType != ContactViewType || viewName != ContactViewName)
             throw ActError(u"no view %1 \"%2\""_s.arg(viewType).arg(viewName));
-        return std::make_shared<BookContactView>(m_book, m_written);
+        return std::make_shared<BookContactView>(m_book, m_written, m_chosen);
     }
 
 private:
     BookPtr m_book;
     TransferWritten m_written;
+    ChosenPtr m_chosen;
 };
 
 class BookApplication : public ApplicationObject {
 public:
-    BookApplication(BookPtr book, TransferWritten written)
-        : m_book(std::move(book)), m_written(std::move(written))
+    BookApplication(BookPtr book, TransferWritten written, ChosenPtr chosen)
+        : m_book(std::move(book)), m_written(std::move(written)), m_chosen(std::move(chosen))
     {
     }
     std::shared_ptr<ViewsObject> Views() override
     {
-        return std::make_shared<BookViews>(m_book, m_written);
+        return std::make_shared<BookViews>(m_book, m_written, m_chosen);
     }
 
 private:
     BookPtr m_book;
     TransferWritten m_written;
+    ChosenPtr m_chosen;
 };
 
 class BookFields : public FieldsObject {
@@ -202,8 +194,9 @@ private:
 
 class BookFactory : public ObjectFactory {
 public:
-    BookFactory(QString path, TransferWritten written)
-        : m_path(std::move(path)), m_written(std::move(written)), m_events(m_path)
+    BookFactory(QString path, TransferWritten written, ChosenPtr chosen)
+        : m_path(std::move(path)), m_written(std::move(written)), m_chosen(std::move(chosen)),
+          m_events(m_path)
     {
     }
     std::shared_ptr<AutomationObject> CreateObject(const QString& progId) override
@@ -211,7 +204,7 @@ public:
         if (progId == ProgIdApplication)
             return guarded([&] {
                 return std::make_shared<BookApplication>(std::make_shared<ContactBook>(m_path),
-                                                         m_written);
+                                                         m_written, m_chosen);
             });
         if (progId == ProgIdDatabase)
             return std::make_shared<BookDatabase>(m_path);
@@ -222,15 +215,85 @@ public:
 private:
     QString m_path;
     TransferWritten m_written;
+    ChosenPtr m_chosen;
     BookEvents m_events;
+};
+
+class BookDirectory : public dup::ContactDirectory {
+public:
+    BookDirectory(QString path, ChosenPtr chosen)
+        : m_path(std::move(path)), m_chosen(std::move(chosen))
+    {
+    }
+    QList<dup::Match> find(const dup::Identity& identity) override
+    {
+        return guarded([&] { return reader().findDuplicates(identity); });
+    }
+    QList<dup::Match> search(const QString& text, int limit) override
+    {
+        return guarded([&] {
+            ContactBook& book = reader();
+            QList<dup::Match> out;
+            for (const qint64 id : book.findText(text)) {
+                if (out.size() >= limit)
+                    break;
+                out.append(book.matchOf(id));
+            }
+            return out;
+        });
+    }
+    std::optional<dup::Match> current() override
+    {
+        return guarded([&]() -> std::optional<dup::Match> {
+            ContactBook& book = reader();
+            const std::optional<qint64> id = m_chosen->id ? m_chosen->id : book.currentContact();
+            if (!id || !book.hasContact(*id))
+                return std::nullopt;
+            return book.matchOf(*id);
+        });
+    }
+    void setCurrent(const QString& id) override
+    {
+        bool ok = false;
+        const qint64 contact = id.toLongLong(&ok);
+        if (!ok || contact < 1)
+            throw ActError(u"there is no contact %1"_s.arg(id));
+        guarded([&] {
+            ContactBook book(m_path);
+            if (!book.hasContact(contact))
+                throw BookError(BookError::NotFound, u"there is no contact %1"_s.arg(contact));
+            book.setCurrentContact(contact);
+        });
+        m_chosen->id = contact;
+    }
+
+private:
+    // One connection for the lookups: it sees what others write, at every statement.
+    ContactBook& reader()
+    {
+        if (!m_reader)
+            m_reader = std::make_unique<ContactBook>(m_path, ContactBook::Access::Read);
+        return *m_reader;
+    }
+    QString m_path;
+    ChosenPtr m_chosen;
+    std::unique_ptr<ContactBook> m_reader;
 };
 
 } // namespace
 
 std::shared_ptr<ObjectFactory> makeContactBookFactory(const QString& bookPath,
-                                                      TransferWritten written)
+                                                      TransferWritten written,
+                                                      std::shared_ptr<ChosenContact> chosen)
 {
-    return std::make_shared<BookFactory>(bookPath, std::move(written));
+    return std::make_shared<BookFactory>(bookPath, std::move(written), std::move(chosen));
+}
+
+std::shared_ptr<dup::ContactDirectory>
+makeContactBookDirectory(const QString& bookPath, std::shared_ptr<ChosenContact> chosen)
+{
+    return std::make_shared<BookDirectory>(bookPath, chosen ? std::move(chosen)
+                                                            : std::make_shared<ChosenContact>());
 }
 
 QString defaultContactBookPath()

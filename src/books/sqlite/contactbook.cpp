@@ -67,7 +67,7 @@ enum KeyKind { EMailKey = 0, PersonKey = 1, MobileKey = 2 };
 // The rules of dup::identityOf the keys were made by, kept in the state table: a book keyed by
 // other rules is keyed again when it is opened for writing, and searched contact by contact
 // until then.
-constexpr qint64 KeyRules = 1;
+constexpr qint64 KeyRules = 1; // raise books/cardindex.cpp's Version with it
 
 dup::FieldValues fieldValuesOf(const QList<BookValue>& values)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/fields.h"
+#include "books/fieldvalue.h"
 #include "duplicates/lookup.h"
 
 #include <QDateTime>
@@ -38,11 +39,8 @@ struct BookValue {
     friend bool operator==(const BookValue&, const BookValue&) = default;
 };
 
-// A field id and the text for it, as one transfer writes them.
-struct FieldValue {
-    qint32 fieldId = 0;
-    QString value;
-};
+// A field id and the text for it, as one transfer writes them (the label is the book's).
+using books::FieldValue;
 
 // The embedded contact book: one SQLite file holding contacts as field id -> text, the
 // book's field definitions and the current contact. A missing file is created with its

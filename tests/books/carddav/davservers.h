@@ -125,6 +125,11 @@ public:
     {
         return m_dir.filePath(QStringLiteral("store/collection-root/") + path);
     }
+    // Where Xandikos keeps its one book: a git repository, one file per card.
+    QString xandikosBook() const
+    {
+        return m_dir.filePath(QStringLiteral("data/user/contacts/addressbook"));
+    }
     static QString user() { return QStringLiteral("anna"); }
     static QString password() { return QStringLiteral("geheim 🔑"); }
 
