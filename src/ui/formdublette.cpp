@@ -1,0 +1,111 @@
+#include "formdublette.h"
+
+#include "formkontakt.h"
+
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QStyle>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace zf::ui {
+
+QString ReasonText(dup::Reason reason)
+{
+    switch (reason) {
+    case dup::Reason::EMail:
+        return u"gleiche E-Mail-Adresse"_s;
+    case dup::Reason::Name:
+        return u"gleicher Name"_s;
+    case dup::Reason::Mobile:
+        return u"gleiche Mobilnummer"_s;
+    }
+    return {};
+}
+
+formDublette::formDublette(const QList<dup::Match>& matches, QWidget* parent)
+    : QDialog(parent), m_matches(matches)
+{
+    // The title, icon and font of the program's message boxes.
+    setWindowTitle(u"Zettelfischer"_s);
+    const int iconSize = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
+    lblSymbol = new QLabel(this);
+    lblSymbol->setObjectName(u"lblSymbol"_s);
+    lblSymbol->setPixmap(
+        style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(iconSize));
+    lblSymbol->setAlignment(Qt::AlignTop);
+
+    const bool several = matches.size() > 1;
+    lblFrage = new QLabel(several ? u"Diese Kontakte im Adressbuch sind vielleicht dieselbe "
+                                    u"Person. Welcher soll die Daten bekommen?"_s
+                                  : u"Diesen Kontakt gibt es im Adressbuch vielleicht schon."_s,
+                          this);
+    lblFrage->setObjectName(u"lblFrage"_s);
+    lblFrage->setWordWrap(true);
+    lblFrage->setTextFormat(Qt::PlainText);
+
+    lstTreffer = new QListWidget(this);
+    lstTreffer->setObjectName(u"lstTreffer"_s);
+    for (const dup::Match& match : matches)
+        new QListWidgetItem(u"%1 (%2)"_s.arg(ContactLine(match), ReasonText(match.reason)),
+                            lstTreffer);
+    lstTreffer->setCurrentRow(0);
+    // One line per match, up to six before it scrolls.
+    const int rows = int(qMin(matches.size(), qsizetype(6)));
+    lstTreffer->setMinimumWidth(qBound(320, lstTreffer->sizeHintForColumn(0) + 24, 600));
+    lstTreffer->setFixedHeight(rows * lstTreffer->sizeHintForRow(0) + 2 * lstTreffer->frameWidth() +
+                               2);
+    // A single match is not to be chosen, only read.
+    lstTreffer->setSelectionMode(several ? QAbstractItemView::SingleSelection
+                                         : QAbstractItemView::NoSelection);
+    lstTreffer->setFocusPolicy(several ? Qt::StrongFocus : Qt::NoFocus);
+
+    auto* buttons = new QDialogButtonBox(this);
+    cmdNeu = buttons->addButton(u"Trotzdem neu anlegen"_s, QDialogButtonBox::AcceptRole);
+    cmdNeu->setObjectName(u"cmdNeu"_s);
+    cmdAktualisieren =
+        buttons->addButton(u"Stattdessen diesen aktualisieren"_s, QDialogButtonBox::ApplyRole);
+    cmdAktualisieren->setObjectName(u"cmdAktualisieren"_s);
+    cmdAbbrechen = buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole);
+    cmdAbbrechen->setObjectName(u"cmdAbbrechen"_s);
+    // A hasty Enter writes nothing.
+    for (QPushButton* b : {cmdNeu, cmdAktualisieren})
+        b->setAutoDefault(false);
+    cmdAbbrechen->setDefault(true);
+
+    connect(cmdNeu, &QPushButton::clicked, this, [this] {
+        m_answer = {DuplicateAnswer::CreateAnyway, {}};
+        QDialog::accept();
+    });
+    connect(cmdAktualisieren, &QPushButton::clicked, this, [this] {
+        const int row = qMax(0, lstTreffer->currentRow());
+        m_answer = {DuplicateAnswer::UpdateInstead, m_matches.value(row).id};
+        QDialog::accept();
+    });
+    connect(cmdAbbrechen, &QPushButton::clicked, this, &QDialog::reject);
+
+    auto* text = new QVBoxLayout;
+    text->addWidget(lblFrage);
+    text->addWidget(lstTreffer);
+    auto* top = new QHBoxLayout;
+    top->addWidget(lblSymbol);
+    top->addSpacing(8);
+    top->addLayout(text, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    layout->addWidget(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+DuplicateAnswer AskDuplicate(const QList<dup::Match>& matches, QWidget* parent)
+{
+    formDublette dialog(matches, parent);
+    dialog.exec();
+    return dialog.answer();
+}
+
+} // namespace zf::ui
