@@ -2,7 +2,6 @@
 
 #include "formkontakt.h"
 
-#include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -50,39 +49,44 @@ formDublette::formDublette(const QList<dup::Match>& matches, QWidget* parent)
 
     lstTreffer = new QListWidget(this);
     lstTreffer->setObjectName(u"lstTreffer"_s);
+    // A single match is only to be read, several to be chosen from.
+    lstTreffer->setSelectionMode(several ? QAbstractItemView::SingleSelection
+                                         : QAbstractItemView::NoSelection);
+    lstTreffer->setFocusPolicy(several ? Qt::StrongFocus : Qt::NoFocus);
     for (const dup::Match& match : matches)
         new QListWidgetItem(u"%1 (%2)"_s.arg(ContactLine(match), ReasonText(match.reason)),
                             lstTreffer);
-    lstTreffer->setCurrentRow(0);
+    if (several)
+        lstTreffer->setCurrentRow(0);
     // One line per match, up to six before it scrolls.
     const int rows = int(qMin(matches.size(), qsizetype(6)));
     lstTreffer->setMinimumWidth(qBound(320, lstTreffer->sizeHintForColumn(0) + 24, 600));
     lstTreffer->setFixedHeight(rows * lstTreffer->sizeHintForRow(0) + 2 * lstTreffer->frameWidth() +
                                2);
-    // A single match is not to be chosen, only read.
-    lstTreffer->setSelectionMode(several ? QAbstractItemView::SingleSelection
-                                         : QAbstractItemView::NoSelection);
-    lstTreffer->setFocusPolicy(several ? Qt::StrongFocus : Qt::NoFocus);
 
-    auto* buttons = new QDialogButtonBox(this);
-    cmdNeu = buttons->addButton(u"Trotzdem neu anlegen"_s, QDialogButtonBox::AcceptRole);
+    // In the order of the question: file anyway, file into the match, or nothing.
+    cmdNeu = new QPushButton(u"Trotzdem neu anlegen"_s, this);
     cmdNeu->setObjectName(u"cmdNeu"_s);
-    cmdAktualisieren =
-        buttons->addButton(u"Stattdessen diesen aktualisieren"_s, QDialogButtonBox::ApplyRole);
+    cmdAktualisieren = new QPushButton(u"Stattdessen diesen aktualisieren"_s, this);
     cmdAktualisieren->setObjectName(u"cmdAktualisieren"_s);
-    cmdAbbrechen = buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole);
+    cmdAbbrechen = new QPushButton(u"Abbrechen"_s, this);
     cmdAbbrechen->setObjectName(u"cmdAbbrechen"_s);
     // A hasty Enter writes nothing.
     for (QPushButton* b : {cmdNeu, cmdAktualisieren})
         b->setAutoDefault(false);
     cmdAbbrechen->setDefault(true);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(cmdNeu);
+    buttons->addWidget(cmdAktualisieren);
+    buttons->addWidget(cmdAbbrechen);
 
     connect(cmdNeu, &QPushButton::clicked, this, [this] {
         m_answer = {DuplicateAnswer::CreateAnyway, {}};
         QDialog::accept();
     });
     connect(cmdAktualisieren, &QPushButton::clicked, this, [this] {
-        const int row = qMax(0, lstTreffer->currentRow());
+        const int row = qMax(0, lstTreffer->currentRow()); // none when there is one
         m_answer = {DuplicateAnswer::UpdateInstead, m_matches.value(row).id};
         QDialog::accept();
     });
@@ -97,7 +101,7 @@ formDublette::formDublette(const QList<dup::Match>& matches, QWidget* parent)
     top->addLayout(text, 1);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
-    layout->addWidget(buttons);
+    layout->addLayout(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
 }
 

@@ -122,8 +122,10 @@ MainWindow::MainWindow(MainOptions options, BookChoice book,
     lblAktuellerKontakt->setObjectName(u"lblAktuellerKontakt"_s);
     lblAktuellerKontakt->setTextFormat(Qt::PlainText);
     lblAktuellerKontakt->setContentsMargins(0, 0, 8, 0);
-    // Beside the three menus; a long name is cut short, the tooltip has it whole.
-    lblAktuellerKontakt->setMaximumWidth(380);
+    lblAktuellerKontakt->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // Beside the three menus, whatever it says, so that the menu bar never lays out anew; a
+    // long name is cut short, the tooltip has it whole.
+    lblAktuellerKontakt->setFixedWidth(380);
     menuBar()->setCornerWidget(lblAktuellerKontakt, Qt::TopRightCorner);
     connect(m_form, &formMain::currentContactChanged, this, &MainWindow::showCurrentContact);
 
@@ -171,7 +173,7 @@ void MainWindow::showCurrentContact()
     // A firm "Müller & Söhne" keeps its ampersand.
     mnuAktuellerKontakt->setText(QString(text).replace(u'&', u"&&"_s));
     mnuKontaktWaehlen->setEnabled(m_form->directory() != nullptr);
-    const int room = lblAktuellerKontakt->maximumWidth() - 8;
+    const int room = lblAktuellerKontakt->contentsRect().width();
     lblAktuellerKontakt->setText(
         lblAktuellerKontakt->fontMetrics().elidedText(text, Qt::ElideRight, room));
     lblAktuellerKontakt->setToolTip(text);
