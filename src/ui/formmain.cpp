@@ -415,7 +415,13 @@ void formMain::TransferContact(bool create)
         if (!ChooseContact(msg::NoCurrentContact))
             return;
     }
-    m_link->TransferContact(create, m_session, hooks());
+    act::WindowHooks h = hooks();
+    // The menu names the contact just written while the prompt asks what comes next.
+    h.showCompletionPrompt = [this](bool created) {
+        emit currentContactChanged();
+        return ShowCompletionPrompt(created, this);
+    };
+    m_link->TransferContact(create, m_session, h);
     emit currentContactChanged();
 }
 

@@ -177,8 +177,13 @@ private slots:
         };
         QVERIFY(shows("(kein aktueller Kontakt)"));
 
-        whenModal<formFertigAbfrage>(&w, [](formFertigAbfrage*) {});
+        // Named already while the prompt after the transfer is open.
+        bool shownWithPrompt = false;
+        whenModal<formFertigAbfrage>(&w, [&](formFertigAbfrage* p) {
+            shownWithPrompt = p && shows("Hans Meier, Muster GmbH");
+        });
         QTest::mouseClick(w.form().cmdNeuanlageInACT, Qt::LeftButton);
+        QVERIFY(shownWithPrompt);
         QVERIFY2(shows("Hans Meier, Muster GmbH"), qPrintable(w.mnuAktuellerKontakt->text()));
 
         // Another program adds a contact; the window takes it through the search.
