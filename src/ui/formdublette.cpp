@@ -53,16 +53,27 @@ formDublette::formDublette(const QList<dup::Match>& matches, QWidget* parent)
     lstTreffer->setSelectionMode(several ? QAbstractItemView::SingleSelection
                                          : QAbstractItemView::NoSelection);
     lstTreffer->setFocusPolicy(several ? Qt::StrongFocus : Qt::NoFocus);
-    for (const dup::Match& match : matches)
-        new QListWidgetItem(u"%1 (%2)"_s.arg(ContactLine(match), ReasonText(match.reason)),
-                            lstTreffer);
+    // Two lines a match: who, then the address and why it counts as the same person; a
+    // line too long for the dialog is cut short, its tooltip has it whole.
+    lstTreffer->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    lstTreffer->setTextElideMode(Qt::ElideRight);
+    for (const dup::Match& match : matches) {
+        const QString why = ReasonText(match.reason);
+        const QString text = ContactLabel(match) + u'\n' +
+                             (match.email.isEmpty() ? why : match.email + u" – "_s + why);
+        auto* item = new QListWidgetItem(text, lstTreffer);
+        item->setToolTip(text);
+    }
     if (several)
         lstTreffer->setCurrentRow(0);
-    // One line per match, up to six before it scrolls.
-    const int rows = int(qMin(matches.size(), qsizetype(6)));
-    lstTreffer->setMinimumWidth(qBound(320, lstTreffer->sizeHintForColumn(0) + 24, 600));
-    lstTreffer->setFixedHeight(rows * lstTreffer->sizeHintForRow(0) + 2 * lstTreffer->frameWidth() +
-                               2);
+    // Up to three matches before it scrolls.
+    int height = 0;
+    for (int row = 0; row < qMin(lstTreffer->count(), 3); ++row)
+        height += lstTreffer->sizeHintForRow(row);
+    const int scrollBar =
+        lstTreffer->count() > 3 ? style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
+    lstTreffer->setFixedWidth(qBound(320, lstTreffer->sizeHintForColumn(0) + scrollBar + 12, 520));
+    lstTreffer->setFixedHeight(height + 2 * lstTreffer->frameWidth() + 2);
 
     // In the order of the question: file anyway, file into the match, or nothing.
     cmdNeu = new QPushButton(u"Trotzdem neu anlegen"_s, this);

@@ -22,6 +22,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QScopedValueRollback>
+#include <QScrollBar>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -382,10 +383,13 @@ private slots:
         QCOMPARE(d.windowTitle(), "Zettelfischer");
         QCOMPARE(d.lstTreffer->count(), matches);
         QCOMPARE(d.lstTreffer->item(0)->text(),
-                 "Hans Meier, Muster GmbH, h.meier@privat.de (gleicher Name)");
+                 "Hans Meier, Muster GmbH\nh.meier@privat.de – gleicher Name");
         if (matches > 1)
             QCOMPARE(d.lstTreffer->item(1)->text(),
-                     "H. Meier, hans.meier@muster.de (gleiche E-Mail-Adresse)");
+                     "H. Meier\nhans.meier@muster.de – gleiche E-Mail-Adresse");
+        // Every match whole in sight, and the dialog no wider than the main window.
+        QCOMPARE(d.lstTreffer->verticalScrollBar()->maximum(), 0);
+        QVERIFY(d.width() <= 660);
         QCOMPARE(d.cmdNeu->text(), "Trotzdem neu anlegen");
         QCOMPARE(d.cmdAktualisieren->text(), "Stattdessen diesen aktualisieren");
         QCOMPARE(d.cmdAbbrechen->text(), "Abbrechen");
@@ -399,6 +403,34 @@ private slots:
         QVERIFY(!d.isVisible());
         QCOMPARE(int(d.answer().kind), kind);
         QCOMPARE(d.answer().id, id);
+    }
+
+    // Long names and addresses are cut short rather than scrolled out of the one line there is.
+    void duplicateDialogFits_data()
+    {
+        QTest::addColumn<int>("matches");
+        QTest::newRow("one") << 1;
+        QTest::newRow("three") << 3;
+        QTest::newRow("five scroll") << 5;
+    }
+    void duplicateDialogFits()
+    {
+        QFETCH(int, matches);
+        QList<dup::Match> all;
+        for (int i = 0; i < matches; ++i)
+            all << contact(
+                QString::number(i), "Hans-Joachim Meier-Lüdenscheid",
+                "Muster Fischerei und Räucherei GmbH & Co. KG",
+                "hans-joachim.meier-luedenscheid@muster-fischerei-und-raeucherei.example");
+        formDublette d(all);
+        d.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&d));
+        QVERIFY(d.width() <= 660);
+        QVERIFY(!d.lstTreffer->horizontalScrollBar()->isVisible());
+        QCOMPARE(d.lstTreffer->verticalScrollBar()->isVisible(), matches > 3);
+        const QRect first = d.lstTreffer->visualItemRect(d.lstTreffer->item(0));
+        QVERIFY(first.top() >= 0 && first.bottom() < d.lstTreffer->viewport()->height());
+        QCOMPARE(d.lstTreffer->item(0)->toolTip(), d.lstTreffer->item(0)->text());
     }
 
     // Typing filters, the arrows walk the list, Enter and a double click take, Escape leaves.
