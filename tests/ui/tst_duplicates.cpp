@@ -556,58 +556,58 @@ private slots:
     }
 
     // "Bearbeiten" with no current contact offers the search: a choice edits that contact, a
-    // cancel writes nothing and says nothing.
-    void editWithoutCurrentContact_data()
+    // cancel writes nothing and says nothing. With a current contact it asks nothing.
+    void editAndTheCurrentContact_data()
     {
         QTest::addColumn<QString>("clipboard");
+        QTest::addColumn<bool>("current");
         QTest::addColumn<bool>("pick");
         QTest::addColumn<bool>("offered");
+        QTest::addColumn<QString>("target"); // "byName", "other" or "" for none
         QTest::addColumn<QStringList>("messages");
 
-        QTest::newRow("picked") << Card << true << true << QStringList{};
-        QTest::newRow("cancelled") << Card << false << true << QStringList{};
-        QTest::newRow("nothing to file")
-            << "" << true << false << QStringList{message(msg::NoData, MessageStyle::Exclamation)};
+        const QStringList none;
+        QTest::newRow("none, picked") << Card << false << true << true << "byName" << none;
+        QTest::newRow("none, cancelled") << Card << false << false << true << "" << none;
+        QTest::newRow("none, nothing to file")
+            << "" << false << true << false << ""
+            << QStringList{message(msg::NoData, MessageStyle::Exclamation)};
+        QTest::newRow("current, no question") << Card << true << true << false << "other" << none;
     }
 
-    void editWithoutCurrentContact()
+    void editAndTheCurrentContact()
     {
         QFETCH(QString, clipboard);
+        QFETCH(bool, current);
         QFETCH(bool, pick);
         QFETCH(bool, offered);
+        QFETCH(QString, target);
         QFETCH(QStringList, messages);
 
         BookFixture f;
-        f.directory->forgetCurrent();
+        if (!current)
+            f.directory->forgetCurrent();
         formMain& w = f.started(clipboard);
         Dialogs dialogs;
         dialogs.onSearch = [pick](formKontakt* d) {
-            // Erika Muster: not the one the rows are about.
-            QTest::keyClicks(d->txtSuche, "erika");
-            QTRY_COMPARE(d->lstKontakte->item(0)->text(), "Erika Muster, Beispiel AG");
+            // Not the book's last contact, which an edit would take without a choice.
+            QTest::keyClicks(d->txtSuche, "privat");
+            QTRY_COMPARE(d->lstKontakte->item(0)->text(),
+                         "Hans Meier, Muster GmbH, h.meier@privat.de");
             QTest::keyClick(d->txtSuche, pick ? Qt::Key_Return : Qt::Key_Escape);
         };
         QTest::mouseClick(w.cmdBearbeitenInAct, Qt::LeftButton);
         QCOMPARE(dialogs.seen, offered ? QStringList{msg::NoCurrentContact} : QStringList{});
         QCOMPARE(f.log.messages, messages);
-        const bool wrote = offered && pick;
-        QCOMPARE(dialogs.prompts, wrote ? 1 : 0);
-        QCOMPARE(f.written, wrote ? QList<qint64>{f.other} : QList<qint64>{});
-        QCOMPARE(valueOf(f.book(), f.other, Kontakt), wrote ? "Hans Meier" : "Erika Muster");
-        QCOMPARE(f.book().contactIds().size(), 3);
-    }
-
-    // With a current contact "Bearbeiten" asks nothing and overwrites it.
-    void editWithCurrentContact()
-    {
-        BookFixture f;
-        formMain& w = f.started(Card);
-        Dialogs dialogs;
-        QTest::mouseClick(w.cmdBearbeitenInAct, Qt::LeftButton);
-        QCOMPARE(dialogs.seen, QStringList{});
-        QCOMPARE(dialogs.prompts, 1);
-        QCOMPARE(f.written, QList<qint64>{f.other});
         QCOMPARE(f.asked.size(), 0);
+        QCOMPARE(dialogs.prompts, target.isEmpty() ? 0 : 1);
+        const qint64 into = target == "byName" ? f.byName : f.other;
+        QCOMPARE(f.written, target.isEmpty() ? QList<qint64>{} : QList<qint64>{into});
+        QCOMPARE(valueOf(f.book(), f.byName, EMail),
+                 target == "byName" ? "hans.meier@muster.de" : "h.meier@privat.de");
+        QCOMPARE(valueOf(f.book(), f.other, Kontakt),
+                 target == "other" ? "Hans Meier" : "Erika Muster");
+        QCOMPARE(f.book().contactIds().size(), 3);
     }
 };
 
