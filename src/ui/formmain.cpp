@@ -417,12 +417,16 @@ void formMain::TransferContact(bool create)
     }
     act::WindowHooks h = hooks();
     // The menu names the contact just written while the prompt asks what comes next.
-    h.showCompletionPrompt = [this](bool created) {
+    bool named = false;
+    h.showCompletionPrompt = [this, &named](bool created) {
+        named = true;
         emit currentContactChanged();
         return ShowCompletionPrompt(created, this);
     };
     m_link->TransferContact(create, m_session, h);
-    emit currentContactChanged();
+    // A failed edit into a match chosen above leaves that match current all the same.
+    if (!named)
+        emit currentContactChanged();
 }
 
 bool formMain::hasCurrentContact()
