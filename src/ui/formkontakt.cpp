@@ -115,16 +115,20 @@ void formKontakt::search()
     QElapsedTimer took;
     took.start();
     SetBusyCursor(true);
+    bool reached = true;
     try {
         found = m_directory.search(text, Limit + 1);
     } catch (const std::exception&) {
-        SetBusyCursor(false);
+        reached = false;
+    }
+    SetBusyCursor(false);
+    // A server that is slow to answer or to fail is not asked again at every key.
+    if (took.elapsed() > SlowSearch)
+        m_pause.setInterval(TypingPause);
+    if (!reached) {
         showNote(u"Das Adressbuch ist nicht erreichbar."_s);
         return;
     }
-    SetBusyCursor(false);
-    if (took.elapsed() > SlowSearch)
-        m_pause.setInterval(TypingPause);
     if (found.isEmpty()) {
         showNote(u"Kein Kontakt im Adressbuch enthält „%1“."_s.arg(text));
         return;
