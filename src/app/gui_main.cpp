@@ -69,13 +69,13 @@ Arguments parseArguments(int argc, char** argv)
     return result;
 }
 
-// The only place a chosen book becomes a factory: a path is the SQLite book, a URL a CardDAV
-// book that logs in with the window's credentials.
-std::function<std::shared_ptr<zf::act::ObjectFactory>(const zf::ui::BookChoice&)>
+// The only place a chosen book becomes its objects and directory: a path is the SQLite book, a
+// URL a CardDAV book that logs in with the window's credentials.
+std::function<zf::books::OpenedBook(const zf::ui::BookChoice&)>
 bookOpener(std::shared_ptr<zf::credentials::Credentials> credentials, std::chrono::seconds timeout)
 {
     return [credentials, timeout](const zf::ui::BookChoice& choice) {
-        return zf::books::makeBookFactory({choice.location, choice.user, timeout}, credentials);
+        return zf::books::openBook({choice.location, choice.user, timeout}, credentials);
     };
 }
 
@@ -112,11 +112,13 @@ int main(int argc, char** argv)
         std::make_shared<zf::credentials::Credentials>(zf::ui::PasswordDialogAsk(nullptr));
     const auto openBook =
         bookOpener(credentials, std::chrono::duration_cast<std::chrono::seconds>(where.timeout));
+    zf::books::OpenedBook opened = openBook(book);
     zf::ui::MainWindow window({.iniPath = iniPath,
                                .programDir = QApplication::applicationDirPath(),
-                               .contacts = openBook(book),
+                               .contacts = std::move(opened.objects),
                                .openBook = openBook,
-                               .enhancedAnalysis = zf::ui::rememberedEnhancedAnalysis()},
+                               .enhancedAnalysis = zf::ui::rememberedEnhancedAnalysis(),
+                               .directory = std::move(opened.directory)},
                               book, credentials);
     window.show();
     window.StartUp();

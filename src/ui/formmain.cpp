@@ -4,8 +4,10 @@
 #include "analysis/analyser.h"
 #include "analysis/textutil.h"
 #include "formadressbuch.h"
+#include "formdublette.h"
 #include "formfertigabfrage.h"
 #include "forminfo.h"
+#include "formkontakt.h"
 #include "formtrenner.h"
 #include "messages.h"
 #include "settings/clsini.h"
@@ -55,7 +57,8 @@ QString ClipboardPlainText()
 formMain::formMain(MainOptions options, QWidget* parent)
     : QWidget(parent), m_options(std::move(options)),
       m_showMessage(m_options.showMessage ? m_options.showMessage : messageBoxes(this)),
-      m_link(std::make_unique<act::ContactLink>(m_options.contacts))
+      m_link(std::make_unique<act::ContactLink>(m_options.contacts)),
+      m_directory(m_options.directory)
 {
     setObjectName(u"formMain"_s);
     setFixedSize(660, 535);
@@ -327,14 +330,33 @@ void formMain::SetEnhancedAnalysis(bool on)
 
 bool formMain::UseBook(const BookChoice& choice)
 {
-    std::shared_ptr<act::ObjectFactory> factory =
-        m_options.openBook ? m_options.openBook(choice) : nullptr;
-    if (!factory) {
+    books::OpenedBook book = m_options.openBook ? m_options.openBook(choice) : books::OpenedBook{};
+    if (!book.objects) {
         m_showMessage(msg::BookNotOpened, MessageStyle::Exclamation);
         return false;
     }
     ReleaseActObjects();
-    m_link = std::make_unique<act::ContactLink>(std::move(factory));
+    m_link = std::make_unique<act::ContactLink>(std::move(book.objects));
+    m_directory = std::move(book.directory);
+    emit currentContactChanged();
+    return true;
+}
+
+bool formMain::ChooseContact(const QString& prompt)
+{
+    if (!m_directory)
+        return false;
+    const std::optional<dup::Match> chosen = ui::ChooseContact(*m_directory, prompt, this);
+    if (!chosen)
+        return false;
+    try {
+        m_directory->setCurrent(chosen->id);
+    } catch (const std::exception&) {
+        m_showMessage(msg::ContactNotChosen, MessageStyle::Exclamation);
+        emit currentContactChanged();
+        return false;
+    }
+    emit currentContactChanged();
     return true;
 }
 
@@ -374,7 +396,47 @@ void formMain::commitRowField(int row)
 
 void formMain::TransferContact(bool create)
 {
-    m_link->TransferContact(create, m_session, hooks());
+    if (create) {
+        const DuplicateQuestion ask =
+            m_options.askDuplicate
+                ? m_options.askDuplicate
+                : [this](const QList<dup::Match>& matches) { return AskDuplicate(matches, this); };
+        switch (CheckBeforeCreate(m_session, m_directory.get(), ask, m_showMessage)) {
+        case TransferPlan::Nothing:
+            return;
+        case TransferPlan::Edit:
+            create = false;
+            break;
+        case TransferPlan::Create:
+            break;
+        }
+    } else if (m_directory && !Trim(m_session.clipText).isEmpty() && !hasCurrentContact()) {
+        // Rather than fail for want of a contact to overwrite, let the user name one.
+        if (!ChooseContact(msg::NoCurrentContact))
+            return;
+    }
+    act::WindowHooks h = hooks();
+    // The menu names the contact just written while the prompt asks what comes next.
+    bool named = false;
+    h.showCompletionPrompt = [this, &named](bool created) {
+        named = true;
+        emit currentContactChanged();
+        return ShowCompletionPrompt(created, this);
+    };
+    m_link->TransferContact(create, m_session, h);
+    // A failed edit into a match chosen above leaves that match current all the same.
+    if (!named)
+        emit currentContactChanged();
+}
+
+bool formMain::hasCurrentContact()
+{
+    try {
+        return m_directory->current().has_value();
+    } catch (const std::exception&) {
+        // Unknown: the transfer tries, and says so when it cannot.
+        return true;
+    }
 }
 
 void formMain::ChooseNewSeparator()

@@ -2,6 +2,8 @@
 
 #include "act/contactlink.h"
 #include "analysis/session.h"
+#include "books/books.h"
+#include "duplicatecheck.h"
 #include "enhanced/enhanced.h"
 
 #include <QWidget>
@@ -28,10 +30,14 @@ struct MainOptions {
     QString programDir; // where the update program lies
     std::shared_ptr<act::ObjectFactory> contacts;
     MessageFunction showMessage = {}; // empty: message boxes on this window
-    // The one place that turns a chosen address book into its objects; nullptr when it cannot.
-    std::function<std::shared_ptr<act::ObjectFactory>(const BookChoice&)> openBook = {};
+    // The one place that turns a chosen address book into its objects and its directory; no
+    // objects when it cannot.
+    std::function<books::OpenedBook(const BookChoice&)> openBook = {};
     // The analysis the user chose last time; the settings file's ErweiterteAnalyse wins.
     std::optional<bool> enhancedAnalysis = {};
+    // The contacts of the book behind contacts; none: no duplicate check, no choosing.
+    std::shared_ptr<dup::ContactDirectory> directory = {};
+    DuplicateQuestion askDuplicate = {}; // empty: the question as a dialog on this window
 };
 
 // The main window: sixteen field rows bound to the session's rows, the clipboard box and the
@@ -64,6 +70,18 @@ public:
     // opened, the current book staying in use.
     bool UseBook(const BookChoice& choice);
 
+    // The book's contacts; nullptr when the book offers none.
+    dup::ContactDirectory* directory() const { return m_directory.get(); }
+    // "Kontakt wählen …": true when a contact was taken and is now the one "Bearbeiten"
+    // overwrites. prompt: the dialog's question, its own when empty.
+    bool ChooseContact(const QString& prompt = {});
+
+signals:
+    // After every transfer, change of book and choice: "Bearbeiten" may overwrite another
+    // contact now.
+    void currentContactChanged();
+
+public:
     Session& session() { return m_session; }
     act::ContactLink& contactLink() { return *m_link; }
     bool AnalysisRunning() const { return m_analysisRunning; }
@@ -89,11 +107,14 @@ private:
     void clipBoxEdited();
     void showRowField(int row);
     void commitRowField(int row);
+    // Whether the book names a contact for "Bearbeiten"; true when it cannot be asked.
+    bool hasCurrentContact();
 
     MainOptions m_options;
     MessageFunction m_showMessage;
     Session m_session;
     std::unique_ptr<act::ContactLink> m_link;
+    std::shared_ptr<dup::ContactDirectory> m_directory;
     bool m_analysisRunning = false;
     bool m_silentFetch = false;
     // What the last analysis started from, for running it again in the other mode.

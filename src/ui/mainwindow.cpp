@@ -1,8 +1,10 @@
 #include "mainwindow.h"
 
+#include "formkontakt.h"
 #include "formpasswort.h"
 
 #include <QFileInfo>
+#include <QLabel>
 #include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
@@ -105,7 +107,30 @@ MainWindow::MainWindow(MainOptions options, BookChoice book,
     mnuAdressbuchWaehlen = mnuAdressbuch->addAction(u"Adressbuch &wählen …"_s);
     mnuAdressbuchWaehlen->setObjectName(u"mnuAdressbuchWaehlen"_s);
     connect(mnuAdressbuchWaehlen, &QAction::triggered, this, &MainWindow::ChooseContactBook);
+
+    mnuKontakt = menuBar()->addMenu(u"&Kontakt"_s);
+    mnuKontakt->setObjectName(u"mnuKontakt"_s);
+    mnuAktuellerKontakt = mnuKontakt->addAction(QString());
+    mnuAktuellerKontakt->setObjectName(u"mnuAktuellerKontakt"_s);
+    mnuAktuellerKontakt->setEnabled(false);
+    mnuKontakt->addSeparator();
+    mnuKontaktWaehlen = mnuKontakt->addAction(u"Kontakt &wählen …"_s);
+    mnuKontaktWaehlen->setObjectName(u"mnuKontaktWaehlen"_s);
+    connect(mnuKontaktWaehlen, &QAction::triggered, m_form, [this] { m_form->ChooseContact(); });
+
+    lblAktuellerKontakt = new QLabel(menuBar());
+    lblAktuellerKontakt->setObjectName(u"lblAktuellerKontakt"_s);
+    lblAktuellerKontakt->setTextFormat(Qt::PlainText);
+    lblAktuellerKontakt->setContentsMargins(0, 0, 8, 0);
+    lblAktuellerKontakt->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // Beside the three menus, whatever it says, so that the menu bar never lays out anew; a
+    // long name is cut short, the tooltip has it whole.
+    lblAktuellerKontakt->setFixedWidth(380);
+    menuBar()->setCornerWidget(lblAktuellerKontakt, Qt::TopRightCorner);
+    connect(m_form, &formMain::currentContactChanged, this, &MainWindow::showCurrentContact);
+
     showBook();
+    showCurrentContact();
 }
 
 MainWindow::~MainWindow() = default;
@@ -126,6 +151,32 @@ void MainWindow::ChooseContactBook()
     m_book = *choice;
     rememberBook(m_book);
     showBook();
+}
+
+QString MainWindow::CurrentContactText() const
+{
+    const QString lead = u"Bearbeiten überschreibt: "_s;
+    dup::ContactDirectory* directory = m_form->directory();
+    if (!directory)
+        return lead + u"den aktuellen Kontakt des Adressbuchs"_s;
+    try {
+        const std::optional<dup::Match> current = directory->current();
+        return lead + (current ? ContactLabel(*current) : u"(kein aktueller Kontakt)"_s);
+    } catch (const std::exception&) {
+        return lead + u"(Adressbuch nicht erreichbar)"_s;
+    }
+}
+
+void MainWindow::showCurrentContact()
+{
+    const QString text = CurrentContactText();
+    // A firm "Müller & Söhne" keeps its ampersand.
+    mnuAktuellerKontakt->setText(QString(text).replace(u'&', u"&&"_s));
+    mnuKontaktWaehlen->setEnabled(m_form->directory() != nullptr);
+    const int room = lblAktuellerKontakt->contentsRect().width();
+    lblAktuellerKontakt->setText(
+        lblAktuellerKontakt->fontMetrics().elidedText(text, Qt::ElideRight, room));
+    lblAktuellerKontakt->setToolTip(text);
 }
 
 void MainWindow::showBook()

@@ -9,6 +9,7 @@
 #include <optional>
 
 class QAction;
+class QLabel;
 class QMenu;
 
 namespace zf::ui {
@@ -44,15 +45,22 @@ public:
     void StartUp();
     // "Adressbuch wählen …".
     void ChooseContactBook();
+    // What the menu and the menu bar's corner say "Bearbeiten" overwrites.
+    QString CurrentContactText() const;
 
     QMenu* mnuAnalyse = nullptr;
     QAction* mnuErweiterteAnalyse = nullptr;
     QMenu* mnuAdressbuch = nullptr;
     QAction* mnuAktuellesBuch = nullptr; // disabled: names the book in use
     QAction* mnuAdressbuchWaehlen = nullptr;
+    QMenu* mnuKontakt = nullptr;
+    QAction* mnuAktuellerKontakt = nullptr; // disabled: names the contact "Bearbeiten" overwrites
+    QAction* mnuKontaktWaehlen = nullptr;
+    QLabel* lblAktuellerKontakt = nullptr; // the same, always in sight at the menu bar's right
 
 private:
     void showBook();
+    void showCurrentContact();
 
     formMain* m_form;
     BookChoice m_book;

@@ -29,4 +29,8 @@ inline const QString UpdateMissing = QStringLiteral("Update.exe nicht gefunden."
 inline const QString UpdateFailed = QStringLiteral("Konnte Online-Update Programm nicht öffnen.");
 inline const QString BookNotOpened = QStringLiteral(
     "Dieses Adressbuch kann nicht geöffnet werden. Das bisherige bleibt in Gebrauch.");
+inline const QString NoCurrentContact = QStringLiteral(
+    "Es gibt keinen aktuellen Kontakt. Welchen Kontakt soll „Bearbeiten“ überschreiben?");
+inline const QString ContactNotChosen = QStringLiteral(
+    "Dieser Kontakt kann nicht gewählt werden. Bearbeiten überschreibt weiter den bisherigen.");
 } // namespace zf::msg

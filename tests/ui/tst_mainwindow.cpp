@@ -2,16 +2,20 @@
 // the analysis and is remembered, and "Adressbuch wählen …" switches the book transfers go to.
 // The window's store lies in a temporary config folder per test.
 
+#include "bookdirectory.h"
 #include "uitest.h"
 
 #include "books/sqlite/sqlitebook.h"
 #include "ui/formfertigabfrage.h"
+#include "ui/formkontakt.h"
 #include "ui/mainwindow.h"
 
 #include <QClipboard>
 #include <QComboBox>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QRadioButton>
@@ -93,9 +97,13 @@ struct Fixture {
         const QString book = dir.filePath("kontakte.sqlite");
         MainOptions options{dir.filePath("zettelfischer.ini"), dir.path(), open(book),
                             log.function()};
+        options.directory = std::make_shared<SqliteDirectory>(book);
         options.openBook = [this](const BookChoice& choice) {
             opened << choice.location;
-            return booksOpen ? open(choice.location) : nullptr;
+            if (!booksOpen)
+                return books::OpenedBook{};
+            return books::OpenedBook{open(choice.location),
+                                     std::make_shared<SqliteDirectory>(choice.location)};
         };
         options.enhancedAnalysis = rememberedEnhancedAnalysis();
         window = std::make_unique<MainWindow>(
@@ -140,7 +148,7 @@ private slots:
         QStringList bar;
         for (QAction* a : w.menuBar()->actions())
             bar << plain(a->text());
-        QCOMPARE(bar, (QStringList{"Analyse", "Adressbuch"}));
+        QCOMPARE(bar, (QStringList{"Analyse", "Adressbuch", "Kontakt"}));
         QCOMPARE(plain(w.mnuErweiterteAnalyse->text()), "Erweiterte Analyse");
         QVERIFY(w.mnuErweiterteAnalyse->isCheckable() && !w.mnuErweiterteAnalyse->isChecked());
         QVERIFY(w.mnuAnalyse->actions().contains(w.mnuErweiterteAnalyse));
@@ -148,6 +156,61 @@ private slots:
         QVERIFY(w.mnuAdressbuch->actions().contains(w.mnuAdressbuchWaehlen));
         QCOMPARE(w.mnuAktuellesBuch->text(), "Aktuell: kontakte.sqlite");
         QVERIFY(!w.mnuAktuellesBuch->isEnabled());
+        QCOMPARE(plain(w.mnuKontaktWaehlen->text()), "Kontakt wählen …");
+        QVERIFY(w.mnuKontaktWaehlen->isEnabled());
+        QCOMPARE(w.mnuKontakt->actions().first(), w.mnuAktuellerKontakt);
+        QVERIFY(!w.mnuAktuellerKontakt->isEnabled());
+    }
+
+    // What "Bearbeiten" overwrites, in the menu and at the menu bar's right: after a transfer
+    // the contact filed, after a choice the one chosen, in another book that book's.
+    void currentContactShown()
+    {
+        Fixture f;
+        MainWindow& w = f.started("Muster GmbH\nHans Meier\nhans.meier@muster.de\n");
+        const auto shows = [&w](const QString& contact) {
+            const QString text = "Bearbeiten überschreibt: " + contact;
+            // A menu entry shows "&&" as an ampersand.
+            return w.mnuAktuellerKontakt->text() == QString(text).replace("&", "&&") &&
+                   w.lblAktuellerKontakt->text() == text &&
+                   w.lblAktuellerKontakt->toolTip() == text;
+        };
+        QVERIFY(shows("(kein aktueller Kontakt)"));
+
+        // Named already while the prompt after the transfer is open.
+        bool shownWithPrompt = false;
+        whenModal<formFertigAbfrage>(&w, [&](formFertigAbfrage* p) {
+            shownWithPrompt = p && shows("Hans Meier, Muster GmbH");
+        });
+        QTest::mouseClick(w.form().cmdNeuanlageInACT, Qt::LeftButton);
+        QVERIFY(shownWithPrompt);
+        QVERIFY2(shows("Hans Meier, Muster GmbH"), qPrintable(w.mnuAktuellerKontakt->text()));
+
+        // Another program adds a contact; the window takes it through the search.
+        SqliteDirectory(f.dir.filePath("kontakte.sqlite"))
+            .add({{26, "Erika Muster"}, {25, "Müller & Söhne"}});
+        whenModal<formKontakt>(&w, [](formKontakt* d) {
+            QVERIFY(d);
+            QTest::keyClicks(d->txtSuche, "erika");
+            QTRY_COMPARE(d->lstKontakte->item(0)->text(), "Erika Muster, Müller & Söhne");
+            QTest::keyClick(d->txtSuche, Qt::Key_Return);
+        });
+        w.mnuKontaktWaehlen->trigger();
+        QVERIFY(shows("Erika Muster, Müller & Söhne"));
+
+        // A cancelled choice changes nothing.
+        whenModal<formKontakt>(&w, [](formKontakt* d) { d->reject(); });
+        w.mnuKontaktWaehlen->trigger();
+        QVERIFY(shows("Erika Muster, Müller & Söhne"));
+
+        whenModal<formAdressbuch>(&w, [&f](formAdressbuch* d) {
+            d->txtDatei->setText(f.dir.filePath("zweites.sqlite"));
+            QTest::mouseClick(d->cmdOK, Qt::LeftButton);
+        });
+        w.mnuAdressbuchWaehlen->trigger();
+        QVERIFY(shows("(kein aktueller Kontakt)"));
+        QCOMPARE(w.form().size(), QSize(660, 535));
+        QCOMPARE(f.log.messages, QStringList{});
     }
 
     void bookLabel_data()
