@@ -1,10 +1,11 @@
 #pragma once
 
-// Directories for the window tests: one over a real SQLite book file, shared with the book's
-// objects through the file, and a stand-in that answers as told and records what it was asked.
+// Directories for the window tests: the real one of a SQLite book file, and a stand-in that
+// answers as told and records what it was asked.
 
 #include "act/automation.h"
 #include "books/sqlite/contactbook.h"
+#include "books/sqlite/sqlitebook.h"
 #include "duplicates/directory.h"
 
 #include <QStringList>
@@ -13,40 +14,36 @@
 
 namespace zf::ui::test {
 
-// The book's own current contact, as the objects edit it. forgetCurrent() makes it look as
-// if there were none until a contact is chosen.
+// The book's real directory, with a way to fill the book and to look as if there were no
+// current contact until one is chosen (forgetCurrent). Hand chosen() to the book's objects so
+// that they edit the contact the directory chose.
 class SqliteDirectory : public dup::ContactDirectory {
 public:
-    explicit SqliteDirectory(const QString& path) : m_book(path) {}
+    explicit SqliteDirectory(const QString& path)
+        : m_book(path), m_chosen(std::make_shared<act::ChosenContact>()),
+          m_directory(act::makeContactBookDirectory(path, m_chosen))
+    {
+    }
 
     act::ContactBook& book() { return m_book; }
+    const std::shared_ptr<act::ChosenContact>& chosen() const { return m_chosen; }
     void forgetCurrent() { m_forgotten = true; }
 
     QList<dup::Match> find(const dup::Identity& identity) override
     {
-        return m_book.findDuplicates(identity);
+        return m_directory->find(identity);
     }
     QList<dup::Match> search(const QString& text, int limit) override
     {
-        QList<dup::Match> out;
-        for (const qint64 id : m_book.findText(text).mid(0, limit))
-            out << m_book.matchOf(id);
-        return out;
+        return m_directory->search(text, limit);
     }
     std::optional<dup::Match> current() override
     {
-        const std::optional<qint64> id = m_book.currentContact();
-        if (m_forgotten || !id || !m_book.hasContact(*id))
-            return std::nullopt;
-        return m_book.matchOf(*id);
+        return m_forgotten ? std::nullopt : m_directory->current();
     }
     void setCurrent(const QString& id) override
     {
-        bool ok = false;
-        const qint64 number = id.toLongLong(&ok);
-        if (!ok || !m_book.hasContact(number))
-            throw act::ActError(QStringLiteral("no contact %1").arg(id));
-        m_book.setCurrentContact(number);
+        m_directory->setCurrent(id);
         m_forgotten = false;
     }
 
@@ -61,6 +58,8 @@ public:
 
 private:
     act::ContactBook m_book;
+    std::shared_ptr<act::ChosenContact> m_chosen;
+    std::shared_ptr<dup::ContactDirectory> m_directory;
     bool m_forgotten = false;
 };
 

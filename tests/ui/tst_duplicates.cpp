@@ -97,8 +97,9 @@ struct BookFixture {
             file.write(ini);
         file.close();
         MainOptions options{dir.filePath("zettelfischer.ini"), dir.path(),
-                            act::makeContactBookFactory(dir.filePath("kontakte.sqlite"),
-                                                        [this](qint64 id) { written << id; }),
+                            act::makeContactBookFactory(
+                                dir.filePath("kontakte.sqlite"),
+                                [this](qint64 id) { written << id; }, directory->chosen()),
                             log.function()};
         options.directory = directory;
         options.askDuplicate = [this](const QList<dup::Match>& matches) {
