@@ -7,23 +7,16 @@
 #include "carddav/davservers.h"
 #include "settings/settings.h"
 
+#include "filledsession.h"
+
 #include <QtTest>
 
 using namespace zf;
 using namespace zf::books;
 using davtest::DavServer;
+using zf::test::fill;
 
 namespace {
-
-void fill(Session& session, const QList<std::pair<FieldId, QString>>& rows)
-{
-    session.rows.FillDefaultFieldLists();
-    for (int row = 0; row < rows.size(); ++row) {
-        session.rows.SelectRowField(row, rows[row].first);
-        session.rows.setValue(row, rows[row].second);
-    }
-    session.clipText = "Muster GmbH";
-}
 
 } // namespace
 

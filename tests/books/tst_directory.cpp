@@ -10,6 +10,8 @@
 #include "books/sqlite/contactbook.h"
 #include "carddav/davservers.h"
 
+#include "filledsession.h"
+
 #include <QtTest>
 
 #include <sqlite3.h>
@@ -19,18 +21,9 @@
 using namespace zf;
 using namespace zf::books;
 using davtest::DavServer;
+using zf::test::fill;
 
 namespace {
-
-void fill(Session& session, const QList<std::pair<FieldId, QString>>& rows)
-{
-    session.rows.FillDefaultFieldLists();
-    for (int row = 0; row < rows.size(); ++row) {
-        session.rows.SelectRowField(row, rows[row].first);
-        session.rows.setValue(row, rows[row].second);
-    }
-    session.clipText = "Muster GmbH";
-}
 
 dup::Identity byEmail(const QString& email)
 {
