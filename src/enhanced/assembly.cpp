@@ -75,6 +75,14 @@ void Analysis::assemble()
             }
         }
     }
+    // "Unit 4, Ballybrit Business Park" over the town and no street: the unit is the address.
+    if (street < 0 && poBox < 0 && place >= 0)
+        for (int j = place - 1; j >= m_from && j >= place - 2; --j)
+            if (usable(j) && m_lines[j].kind == Kind::Address2 && !m_lines[j].labelled &&
+                m_lines[j].block == m_lines[place].block && CountDigitsIn(m_lines[j].text) > 0) {
+                street = j;
+                break;
+            }
 
     // The person: a form's name, the signer under the closing, a marked name, an imprint's
     // first managing director.

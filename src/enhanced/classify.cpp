@@ -1,9 +1,33 @@
 #include "engine.h"
 #include "wordbits.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
+
+namespace {
+
+// A cell that names a reference or order number: "Anfrage Nr.", "Kundennr.", "Aktenzeichen".
+bool isReferenceCell(QStringView text)
+{
+    if (text.size() > 40 || WordCount(text) > 3 || CountDigitsIn(text) > 0)
+        return false;
+    const LowerKey lowerKey(chopTrailing(text, u" :"));
+    const QString& lower = lowerKey.str();
+    static const QStringList ends{u"nr."_s,     u"nr"_s,   u"nummer"_s,    u"number"_s, u"no."_s,
+                                  u"zeichen"_s, u"ref."_s, u"reference"_s, u"az."_s,    u"id"_s};
+    static const QStringList calls{u"tel"_s,   u"fon"_s,   u"fax"_s,
+                                   u"handy"_s, u"mobil"_s, u"phone"_s};
+    for (const QString& e : ends)
+        if (lower.endsWith(e) && !knowledge().label(lower))
+            return std::none_of(calls.cbegin(), calls.cend(),
+                                [&lower](const QString& c) { return lower.contains(c); });
+    return false;
+}
+
+} // namespace
 
 void Analysis::classifyAll()
 {
@@ -107,6 +131,12 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
         QList<Line> pieces = piecesOf(parts);
         // "Name:<tab>Meier, Hans": a known label and its value in the next cell.
         for (qsizetype i = 0; i + 1 < pieces.size(); ++i) {
+            if (isReferenceCell(pieces[i].text)) {
+                // "Anfrage Nr.<tab>20260417-0931": the number stays with its label.
+                pieces[i].text += u' ' + pieces[i + 1].text;
+                pieces.removeAt(i + 1);
+                continue;
+            }
             if (!pieces[i].text.endsWith(u':'))
                 continue;
             const auto hit = ParseLabel(pieces[i].text);

@@ -83,6 +83,47 @@ namespace {
 
 constexpr int ColumnGap = 3; // blanks in a row that may part two columns
 
+// "Firma *      Muster AG", "Name<TAB>Eva Roth": a form's label in the cell before its value.
+// Phone, mail and web labels read without a colon anyway.
+bool formLabelCell(QStringView cell)
+{
+    if (cell.isEmpty() || cell.contains(u':') || WordCount(cell) > 4 || CountDigitsIn(cell) > 0)
+        return false;
+    const auto hit = ParseLabel(cell.toString() + u':');
+    if (!hit || !hit->known || !hit->rest.isEmpty())
+        return false;
+    switch (hit->label.kind) {
+    case LabelKind::Phone:
+    case LabelKind::Email:
+    case LabelKind::Web:
+    case LabelKind::Role:
+    case LabelKind::Job:
+    case LabelKind::SkipBlock:
+    case LabelKind::SkipLine:
+        return false;
+    default:
+        return true;
+    }
+}
+
+// The same label and its value as one labelled line: "Firma *: Muster AG".
+QString withFormLabel(QStringView line)
+{
+    qsizetype from = 0;
+    while (from < line.size() && line[from] == u' ')
+        ++from;
+    const qsizetype tab = line.indexOf(u'\t', from);
+    const qsizetype run = line.indexOf(u"   "_s, from);
+    const qsizetype at = tab < 0 ? run : run < 0 ? tab : std::min(tab, run);
+    if (at <= from)
+        return QString();
+    const QStringView head = line.mid(from, at - from).trimmed();
+    const QStringView value = line.mid(at).trimmed();
+    if (value.isEmpty() || value.front() == u':' || !formLabelCell(head))
+        return QString();
+    return head.toString() + u": "_s + value.toString();
+}
+
 // Where the runs of blanks inside a line end that may part columns: not behind a label
 // ("Tel.     0711", "Firma   :  Muster") and not in front of a colon.
 QList<qsizetype> gapEnds(QStringView line)
@@ -106,8 +147,9 @@ QList<qsizetype> gapEnds(QStringView line)
             const Label* l = Words(before).size() <= 3 && !before.contains(u": "_s)
                                  ? knowledge().label(before.toString().toLower())
                                  : nullptr;
-            const bool label = l && (l->kind == LabelKind::Phone || l->kind == LabelKind::Email ||
-                                     l->kind == LabelKind::Web);
+            const bool label = (l && (l->kind == LabelKind::Phone || l->kind == LabelKind::Email ||
+                                      l->kind == LabelKind::Web)) ||
+                               (out.isEmpty() && formLabelCell(before));
             if (!before.endsWith(u':') && !label) {
                 out.append(j);
                 cell = -1;
@@ -226,7 +268,11 @@ void Analysis::cut(const QString& text, const QString& separator)
             const int source = unit.source;
             if (source > MaxLines)
                 return;
-            QString t = cleaned(rawLine.left(MaxLineLength * 4));
+            const QStringView kept = rawLine.left(MaxLineLength * 4);
+            QString t;
+            if (kept.contains(u'\t') || kept.contains(u"   "_s))
+                t = withFormLabel(kept);
+            t = cleaned(t.isEmpty() ? kept : QStringView(t));
             bool quoted = false;
             while (!t.isEmpty() && (t.front() == u'>' || t.front() == u' ')) {
                 quoted = quoted || t.front() == u'>';
