@@ -1,4 +1,5 @@
 #include "engine.h"
+#include "wordbits.h"
 
 #include <algorithm>
 
@@ -147,8 +148,12 @@ QList<qsizetype> gapEnds(QStringView line)
             const Label* l = Words(before).size() <= 3 && !before.contains(u": "_s)
                                  ? knowledge().label(before.toString().toLower())
                                  : nullptr;
-            const bool label = (l && (l->kind == LabelKind::Phone || l->kind == LabelKind::Email ||
-                                      l->kind == LabelKind::Web)) ||
+            // A phone label keeps only a number beside it: "Durchwahl     Datum" are two heads
+            // of a letter's reference table.
+            const QChar next = line[j];
+            const bool number = isDigit(next) || next == u'+' || next == u'(';
+            const bool label = (l && ((l->kind == LabelKind::Phone && number) ||
+                                      l->kind == LabelKind::Email || l->kind == LabelKind::Web)) ||
                                (out.isEmpty() && formLabelCell(before));
             if (!before.endsWith(u':') && !label) {
                 out.append(j);
