@@ -215,9 +215,11 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
             }
         }
     }
-    // "Street 1, 12345 City" and "Postfach 12, 12345 City"
-    if ((whole.kind == Kind::Unknown || whole.kind == Kind::Noise) && line.text.contains(u", "_s) &&
-        depth < 3) {
+    // "Street 1, 12345 City" and "Postfach 12, 12345 City"; behind a label also when the
+    // town ends in a dot ("Weißenburg i. Bay.").
+    if ((whole.kind == Kind::Unknown || whole.kind == Kind::Noise ||
+         (whole.kind == Kind::Prose && depth > 0)) &&
+        line.text.contains(u", "_s) && depth < 3) {
         QList<Line> pieces = piecesOf(line.text.split(u", "_s));
         bool postal = false;
         for (Line& p : pieces) {
