@@ -84,30 +84,8 @@ namespace {
 
 constexpr int ColumnGap = 3; // blanks in a row that may part two columns
 
-// "Firma *      Muster AG", "Name<TAB>Eva Roth": a form's label in the cell before its value.
-// Phone, mail and web labels read without a colon anyway.
-bool formLabelCell(QStringView cell)
-{
-    if (cell.isEmpty() || cell.contains(u':') || WordCount(cell) > 4 || CountDigitsIn(cell) > 0)
-        return false;
-    const auto hit = ParseLabel(cell.toString() + u':');
-    if (!hit || !hit->known || !hit->rest.isEmpty())
-        return false;
-    switch (hit->label.kind) {
-    case LabelKind::Phone:
-    case LabelKind::Email:
-    case LabelKind::Web:
-    case LabelKind::Role:
-    case LabelKind::Job:
-    case LabelKind::SkipBlock:
-    case LabelKind::SkipLine:
-        return false;
-    default:
-        return true;
-    }
-}
-
-// The same label and its value as one labelled line: "Firma *: Muster AG".
+// "Firma *      Muster AG", "Name<TAB>Eva Roth", "Telefon Geschäft    052 386 11 22": a
+// form's label in the cell before its value, as one labelled line ("Firma *: Muster AG").
 QString withFormLabel(QStringView line)
 {
     qsizetype from = 0;
@@ -120,9 +98,24 @@ QString withFormLabel(QStringView line)
         return QString();
     const QStringView head = line.mid(from, at - from).trimmed();
     const QStringView value = line.mid(at).trimmed();
-    if (value.isEmpty() || value.front() == u':' || !formLabelCell(head))
+    // One value to a line: more cells make a table or a footer in columns.
+    if (value.isEmpty() || value.front() == u':' || value.contains(u'\t') ||
+        value.contains(u"   "_s) || head.isEmpty() || head.contains(u':') || WordCount(head) > 4 ||
+        CountDigitsIn(head) > 0)
         return QString();
-    return head.toString() + u": "_s + value.toString();
+    QString out = head.toString() + u": "_s + value.toString();
+    const auto hit = ParseLabel(out);
+    if (!hit || !hit->known || hit->rest != value)
+        return QString();
+    switch (hit->label.kind) {
+    case LabelKind::Role:
+    case LabelKind::Job:
+    case LabelKind::SkipBlock:
+    case LabelKind::SkipLine:
+        return QString();
+    default:
+        return out;
+    }
 }
 
 // Where the runs of blanks inside a line end that may part columns: not behind a label
@@ -154,7 +147,7 @@ QList<qsizetype> gapEnds(QStringView line)
             const bool number = isDigit(next) || next == u'+' || next == u'(';
             const bool label = (l && ((l->kind == LabelKind::Phone && number) ||
                                       l->kind == LabelKind::Email || l->kind == LabelKind::Web)) ||
-                               (out.isEmpty() && formLabelCell(before));
+                               (out.isEmpty() && !withFormLabel(line).isEmpty());
             if (!before.endsWith(u':') && !label) {
                 out.append(j);
                 cell = -1;
