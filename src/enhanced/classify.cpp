@@ -429,10 +429,25 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
             l.place.plz = value;
         }
         return;
-    case LabelKind::Address2:
+    case LabelKind::Address2: {
+        // "Address line 2: 45 Mill Street" under the unit, "Postfach: Postfach 118".
+        QString street;
+        if (!IsAddressExtra(value) && StreetStrength(value, &street) == 2) {
+            l.kind = Kind::Street;
+            l.value = street;
+            l.strength = 3;
+            l.why += u"Straße hinter dem Etikett eines Adresszusatzes"_s;
+            return;
+        }
+        if (IsPoBox(value)) {
+            l.kind = Kind::PoBox;
+            l.why += u"Postfach hinter dem Etikett"_s;
+            return;
+        }
         l.kind = Kind::Address2;
         l.why += u"Adresszusatz hinter dem Etikett"_s;
         return;
+    }
     case LabelKind::City:
         l.kind = Kind::City;
         return;
