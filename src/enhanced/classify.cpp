@@ -215,6 +215,32 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
             }
         }
     }
+    // "Muster AG, Herr Max Muster, Hauptstrasse 1, 9490 Vaduz, Tel. …": a whole contact on
+    // one line, each part between commas a field of its own.
+    if ((whole.kind == Kind::Prose || whole.kind == Kind::Unknown) && depth < 2 &&
+        line.text.count(u", "_s) >= 3) {
+        const QStringList parts = line.text.split(u", "_s);
+        if (parts.size() <= 10 && std::all_of(parts.cbegin(), parts.cend(),
+                                              [](const QString& p) { return WordCount(p) <= 6; })) {
+            QList<Line> result;
+            int placed = 0;
+            bool postal = false;
+            for (Line& p : piecesOf(parts)) {
+                QList<Line> sub;
+                classifyInto(p, sub, depth + 1);
+                for (const Line& x : sub) {
+                    placed += x.kind != Kind::Unknown && x.kind != Kind::Prose;
+                    postal = postal || x.kind == Kind::PostcodeCity || x.kind == Kind::Phone ||
+                             x.kind == Kind::Email;
+                }
+                result.append(sub);
+            }
+            if (postal && placed >= 3 && placed == result.size()) {
+                out.append(result);
+                return;
+            }
+        }
+    }
     // "Street 1, 12345 City" and "Postfach 12, 12345 City"; behind a label also when the
     // town ends in a dot ("Weißenburg i. Bay.").
     if ((whole.kind == Kind::Unknown || whole.kind == Kind::Noise ||
