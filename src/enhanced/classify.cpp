@@ -166,7 +166,9 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
     if (depth < 3) {
         const WordViews w = Words(line.text);
         for (qsizetype i = 2; i < w.size(); ++i) {
-            if (!w[i - 1].back().isDigit())
+            // Also with a comma between: "Handy 0151 123, Mail eva@…".
+            const QStringView before = chopTrailing(w[i - 1], u",;");
+            if (before.isEmpty() || !before.back().isDigit())
                 continue;
             const QStringView rest = QStringView(line.text).mid(w[i].data() - line.text.data());
             const auto hit = ParseLabel(rest);
@@ -174,14 +176,26 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
                 (hit->label.kind != LabelKind::Phone && hit->label.kind != LabelKind::Email &&
                  hit->label.kind != LabelKind::Web))
                 continue;
+            const QStringView head = QStringView(line.text).left(w[i].data() - line.text.data());
             QList<Line> pieces =
-                piecesOf({line.text.left(w[i].data() - line.text.data()), rest.toString()});
+                piecesOf({chopTrailing(head.trimmed(), u",;").toString(), rest.toString()});
             for (Line& p : pieces)
                 classifyInto(p, out, depth + 1);
             return;
         }
     }
     const auto hit = ParseLabel(line.text);
+    // "Telefon und Fax bleiben unverändert: Tel. …, Fax …": a sentence in front of labels.
+    if (hit && !hit->known && depth < 3 && !hit->rest.isEmpty())
+        if (const auto inner = ParseLabel(hit->rest);
+            inner && inner->known &&
+            (inner->label.kind == LabelKind::Phone || inner->label.kind == LabelKind::Email ||
+             inner->label.kind == LabelKind::Web)) {
+            Line rest = line;
+            rest.text = hit->rest;
+            classifyInto(rest, out, depth + 1);
+            return;
+        }
     if (hit && hit->known && hit->label.kind == LabelKind::Street && !hit->rest.isEmpty() &&
         !IsThreadCut(line.text)) {
         QList<Line> extra;
