@@ -362,7 +362,10 @@ std::optional<LabelHit> ParseLabel(QStringView text)
         // So may the number of a form's line: "Address line 1:", "Adresszeile 2:".
         const bool lineNumber = name.size() > 3 && isDigit(name.back()) &&
                                 name[name.size() - 2] == u' ' && CountDigitsIn(name) == 1;
-        if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal || lineNumber) &&
+        // A scanned label keeps its slip: "Te1.:", "Mobi1:".
+        const bool scanned = name.size() <= 8 && CountDigitsIn(name) == 1 &&
+                             k.label(LowerKey(name).str()) != nullptr;
+        if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal || lineNumber || scanned) &&
             !name.contains(u'@') && WordCount(name) <= 6) {
             LabelHit hit;
             hit.name = name.toString();
