@@ -390,6 +390,11 @@ void TestEnhancedPlaces::lineOfFields_data()
             "Holzhandlung Brehm\nUnsere Nummern bleiben gleich: Tel. 0611 23 45 67, "
             "Fax 0611 23 45 68\n",
             "Telefon=0611 23 45 67 | Fax=0611 23 45 68");
+    addCase("two firms: the first firm's switchboard stays its phone",
+            "Generalunternehmer:\nBrandt Bau GmbH\nAnsprechpartner: Herr Uwe Brandt\n"
+            "Werkstraße 5\n38100 Braunschweig\nTel. 0531 / 22 33-0\n\nNachunternehmer:\n"
+            "Elektro Lutz e.K.\nKarlstraße 2\n38102 Braunschweig\nTel. 0531 / 7 88 99\n",
+            "Telefon=0531 / 22 33-0 | Kontakt=Uwe Brandt");
     addCase("direct line under the switchboard, single-letter labels",
             "Kade Advocaten\nCoolsingel 12\n3011 AD Rotterdam\nT +31 10 412 00 00\n"
             "D +31 10 412 00 17\n",
