@@ -413,6 +413,9 @@ void TestEnhancedPlaces::addressLines_data()
     addCase("a firm named studio is no address line",
             "Studio Lichtblick\nSonnenstraße 4\n80331 München\n",
             "Firma=Studio Lichtblick | Adresse=Sonnenstraße 4 | Adresse 2=<none>");
+    addCase("a heading that is a label is no part of the firm below",
+            "Impressum\n\nKontaktadresse\nBergbahn Hohwald AG\nTalweg 3\n3800 Interlaken\n",
+            "Firma=Bergbahn Hohwald AG | Adresse=Talweg 3");
     addCase("country behind a dash", "Atelier Morel\n4, place Bellecour\n69002 Lyon – France\n",
             "Ort=Lyon | PLZ=69002");
     addCase("scanned one for an l in street and town, and in a label",
