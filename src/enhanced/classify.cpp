@@ -16,12 +16,13 @@ bool isReferenceCell(QStringView text)
         return false;
     const LowerKey lowerKey(chopTrailing(text, u" :"));
     const QString& lower = lowerKey.str();
-    static const QStringList ends{u"nr."_s,     u"nr"_s,   u"nummer"_s,    u"number"_s, u"no."_s,
-                                  u"zeichen"_s, u"ref."_s, u"reference"_s, u"az."_s,    u"id"_s};
-    static const QStringList calls{u"tel"_s,   u"fon"_s,   u"fax"_s,
-                                   u"handy"_s, u"mobil"_s, u"phone"_s};
+    static const QStringList ends{u"nr."_s, u"nr"_s,      u"nummer"_s, u"number"_s,
+                                  u"no."_s, u"zeichen"_s, u"ref."_s,   u"reference"_s,
+                                  u"az."_s, u" id"_s,     u"-id"_s};
+    static const QStringList calls{u"tel"_s,   u"fon"_s,   u"fax"_s, u"handy"_s,
+                                   u"mobil"_s, u"phone"_s, u"ruf"_s, u"wahl"_s};
     for (const QString& e : ends)
-        if (lower.endsWith(e) && !knowledge().label(lower))
+        if ((lower.endsWith(e) || lower == u"id"_s) && !knowledge().label(lower))
             return std::none_of(calls.cbegin(), calls.cend(),
                                 [&lower](const QString& c) { return lower.contains(c); });
     return false;
@@ -161,6 +162,34 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
             return;
         }
         line.text.replace(u'\t', u' ');
+    }
+    // "fon 0221 987 654 0 / durchwahl -23": the direct line is the switchboard's number with
+    // the extension in place of its 0.
+    if (depth < 3 && line.text.contains(u" -"_s)) {
+        const WordViews w = Words(line.text);
+        const qsizetype n = w.size();
+        const QStringView ext = n >= 4 ? w[n - 1] : QStringView();
+        if (ext.size() >= 2 && ext.size() <= 5 && ext[0] == u'-' &&
+            CountDigitsIn(ext) == ext.size() - 1) {
+            const Label* l = knowledge().label(LowerKey(chopTrailing(w[n - 2], u":")).str());
+            const QStringView head = chopTrailing(
+                QStringView(line.text).left(w[n - 2].data() - line.text.data()), u" /,;");
+            const auto hit = l && l->kind == LabelKind::Phone && l->qualifier == u"direct"_s
+                                 ? ParseLabel(head)
+                                 : std::nullopt;
+            const auto number = hit && hit->known && hit->label.kind == LabelKind::Phone
+                                    ? ParsePhone(hit->rest, true)
+                                    : std::nullopt;
+            if (number && number->value.size() > 2 &&
+                QStringView(u" -.").contains(number->value[number->value.size() - 2]) &&
+                number->value.back() == u'0') {
+                const QString direct =
+                    w[n - 2].toString() + u' ' + number->value.chopped(2) + ext.toString();
+                for (Line& p : piecesOf({head.toString(), direct}))
+                    classifyInto(p, out, depth + 1);
+                return;
+            }
+        }
     }
     // Two labelled numbers on one line: "Tel. 0711 123 Fax 0711 124".
     if (depth < 3) {

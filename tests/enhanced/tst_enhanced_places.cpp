@@ -362,6 +362,9 @@ void TestEnhancedPlaces::formCells_data()
             "Kundennr.\t4711-2026\nDatum\t03.05.2026\nName\tOtto Brandl\n"
             "Telefon\t0911 22 33 44\n",
             "Kontakt=Otto Brandl | Telefon=0911 22 33 44 | Telefon 2=<none>");
+    addCase("a customer id is no phone, a direct line's number label is",
+            "Kunden-ID\t88-1234-77\nDurchwahl-Nr.\t0711 98 76-15\n",
+            "Telefon=0711 98 76-15 | Telefon 2=<none>");
     addCase("a letter's reference table: the direct line under its head",
             "Ihr Zeichen      Unser Zeichen     Durchwahl          Datum\n"
             "ab-12            KL/pw             0345 66 77 88-12   04.05.2026\n\n"
@@ -395,6 +398,9 @@ void TestEnhancedPlaces::lineOfFields_data()
             "Werkstraße 5\n38100 Braunschweig\nTel. 0531 / 22 33-0\n\nNachunternehmer:\n"
             "Elektro Lutz e.K.\nKarlstraße 2\n38102 Braunschweig\nTel. 0531 / 7 88 99\n",
             "Telefon=0531 / 22 33-0 | Kontakt=Uwe Brandt");
+    addCase("an extension behind the switchboard makes the direct line",
+            "Kollektiv Neun GmbH\nHafenweg 2\n20457 Hamburg\nfon 040.123 456 0 / durchwahl -17\n",
+            "Telefon=040.123 456-17 | Telefon 2=040.123 456 0");
     addCase("direct line under the switchboard, single-letter labels",
             "Kade Advocaten\nCoolsingel 12\n3011 AD Rotterdam\nT +31 10 412 00 00\n"
             "D +31 10 412 00 17\n",
