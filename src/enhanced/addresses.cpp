@@ -76,6 +76,20 @@ bool hasDigitsBeyondDistrict(const QString& city)
              digits == w.back().size());
 }
 
+// A scanned l or o read as a digit in a town's name: "Kasse1", "B0nn".
+QString mendedTown(const QString& city)
+{
+    QString out = city;
+    for (qsizetype i = 1; i < out.size(); ++i) {
+        const QChar c = out[i];
+        if ((c != u'1' && c != u'0') || !out[i - 1].isLetter() || !out[i - 1].isLower())
+            continue;
+        if (i + 1 == out.size() || out[i + 1] == u' ' || out[i + 1].isLetter())
+            out[i] = c == u'1' ? u'l' : u'o';
+    }
+    return out;
+}
+
 } // namespace
 
 std::optional<Place> ParsePostcodeCity(QStringView text)
@@ -225,18 +239,24 @@ std::optional<Place> ParsePostcodeCity(QStringView text)
         return std::nullopt;
     QString city = t.mid(firstCity.data() - t.constData()).trimmed();
     if (hasDigitsBeyondDistrict(city))
+        city = mendedTown(city);
+    if (hasDigitsBeyondDistrict(city))
         return std::nullopt;
     // "1200 Market Street" is a street with its number in front.
     const WordViews cityWords = Words(city);
     for (qsizetype i = 1; i < cityWords.size(); ++i) // "St. Gallen" is a saint's town
         if (k.streetWords.words.contains(BareKey(cityWords[i]).str()))
             return std::nullopt;
-    // "Berlin, Germany"
-    if (const qsizetype comma = city.lastIndexOf(u", "_s); comma > 0) {
-        const QString country = CountryName(QStringView(city).mid(comma + 2));
+    // "Berlin, Germany", "Lyon – France", "Wien / Austria"
+    for (const QString& mark : {u", "_s, u" – "_s, u" - "_s, u" / "_s}) {
+        const qsizetype at = city.lastIndexOf(mark);
+        if (at <= 0)
+            continue;
+        const QString country = CountryName(QStringView(city).mid(at + mark.size()));
         if (!country.isEmpty()) {
             land = country;
-            city = city.left(comma).trimmed();
+            city = city.left(at).trimmed();
+            break;
         }
     }
     if (WordCount(city) > 5)
@@ -291,9 +311,9 @@ QString withLettersMended(QStringView text)
     QString out;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text[i];
+        // "A1lee": an upper-case letter may stand in front.
         const bool inWord = i > 0 && i + 1 < text.size() && text[i - 1].isLetter() &&
-                            text[i + 1].isLetter() && text[i - 1].isLower() &&
-                            text[i + 1].isLower();
+                            text[i + 1].isLetter() && text[i + 1].isLower();
         if (inWord && (c == u'1' || c == u'0')) {
             if (out.isEmpty())
                 out = text.toString();
@@ -463,6 +483,8 @@ bool IsAddressExtra(QStringView text)
         u"aufgang"_s, u"building"_s,  u"floor"_s,      u"suite"_s,      u"unit"_s,
         u"apt."_s,    u"wing"_s,      u"bau"_s,        u"trakt"_s,      u"halle"_s,
         u"flat"_s,    u"apartment"_s, u"appartement"_s};
+    // Words that also name firms count only with their number: "Studio 5", "Raum 2.14".
+    static const QSet<QString> numbered{u"studio"_s, u"level"_s, u"room"_s, u"zimmer"_s, u"raum"_s};
     // A branch in front of its town ("Filiale Nord") stands between the firm and the street.
     static const QSet<QString> branches{
         u"niederlassung"_s, u"zweigniederlassung"_s, u"filiale"_s,    u"zweigstelle"_s,
@@ -476,9 +498,13 @@ bool IsAddressExtra(QStringView text)
         return false;
     if (w.size() >= 2 && w.size() <= 4 && branches.contains(BareKey(w[0]).str()))
         return true;
-    for (QStringView word : w)
-        if (words.contains(BareKey(word).str()))
+    for (qsizetype i = 0; i < w.size(); ++i) {
+        const BareKey bare(w[i]);
+        if (words.contains(bare.str()))
             return true;
+        if (i + 1 < w.size() && isDigit(w[i + 1].front()) && numbered.contains(bare.str()))
+            return true;
+    }
     return false;
 }
 

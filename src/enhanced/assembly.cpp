@@ -75,6 +75,14 @@ void Analysis::assemble()
             }
         }
     }
+    // "Unit 4, Ballybrit Business Park" over the town and no street: the unit is the address.
+    if (street < 0 && poBox < 0 && place >= 0)
+        for (int j = place - 1; j >= m_from && j >= place - 2; --j)
+            if (usable(j) && m_lines[j].kind == Kind::Address2 && !m_lines[j].labelled &&
+                m_lines[j].block == m_lines[place].block && CountDigitsIn(m_lines[j].text) > 0) {
+                street = j;
+                break;
+            }
 
     // The person: a form's name, the signer under the closing, a marked name, an imprint's
     // first managing director.
@@ -280,10 +288,29 @@ void Analysis::assemble()
     int plain = 0;
     for (const Number& v : voice)
         plain += v.role == PhoneRole::Plain;
+    // A switchboard ("…-0") gives way to its own extension, not to another firm's number.
+    const auto digitsOf = [this](int line, qsizetype upTo) {
+        QString out;
+        const QString& value = m_lines[line].value;
+        for (qsizetype i = 0; i < upTo && i < value.size(); ++i)
+            if (isDigit(value[i]))
+                out.append(value[i]);
+        return out;
+    };
     if (plain >= 2)
-        for (Number& v : voice)
-            if (v.role == PhoneRole::Plain && m_lines[v.line].value.endsWith(u"-0"_s))
-                v.role = PhoneRole::Main;
+        for (Number& v : voice) {
+            const QString& value = m_lines[v.line].value;
+            if (v.role != PhoneRole::Plain || !value.endsWith(u"-0"_s))
+                continue;
+            // The end of the stem: "+49 511 …" and "0511 …" write the same line.
+            const QString stem = digitsOf(v.line, value.size() - 2).right(6);
+            for (const Number& w : voice)
+                if (w.line != v.line &&
+                    digitsOf(w.line, m_lines[w.line].value.size()).contains(stem)) {
+                    v.role = PhoneRole::Main;
+                    break;
+                }
+        }
     const auto rank = [](PhoneRole r) {
         return r == PhoneRole::Direct   ? 0
                : r == PhoneRole::Plain  ? 1

@@ -1,9 +1,34 @@
 #include "engine.h"
 #include "wordbits.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zf::enhanced {
+
+namespace {
+
+// A cell that names a reference or order number: "Anfrage Nr.", "Kundennr.", "Aktenzeichen".
+bool isReferenceCell(QStringView text)
+{
+    if (text.size() > 40 || WordCount(text) > 3 || CountDigitsIn(text) > 0)
+        return false;
+    const LowerKey lowerKey(chopTrailing(text, u" :"));
+    const QString& lower = lowerKey.str();
+    static const QStringList ends{u"nr."_s, u"nr"_s,      u"nummer"_s, u"number"_s,
+                                  u"no."_s, u"zeichen"_s, u"ref."_s,   u"reference"_s,
+                                  u"az."_s, u" id"_s,     u"-id"_s};
+    static const QStringList calls{u"tel"_s,   u"fon"_s,   u"fax"_s, u"handy"_s,
+                                   u"mobil"_s, u"phone"_s, u"ruf"_s, u"wahl"_s};
+    for (const QString& e : ends)
+        if ((lower.endsWith(e) || lower == u"id"_s) && !knowledge().label(lower))
+            return std::none_of(calls.cbegin(), calls.cend(),
+                                [&lower](const QString& c) { return lower.contains(c); });
+    return false;
+}
+
+} // namespace
 
 void Analysis::classifyAll()
 {
@@ -107,6 +132,12 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
         QList<Line> pieces = piecesOf(parts);
         // "Name:<tab>Meier, Hans": a known label and its value in the next cell.
         for (qsizetype i = 0; i + 1 < pieces.size(); ++i) {
+            if (isReferenceCell(pieces[i].text)) {
+                // "Anfrage Nr.<tab>20260417-0931": the number stays with its label.
+                pieces[i].text += u' ' + pieces[i + 1].text;
+                pieces.removeAt(i + 1);
+                continue;
+            }
             if (!pieces[i].text.endsWith(u':'))
                 continue;
             const auto hit = ParseLabel(pieces[i].text);
@@ -132,11 +163,41 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
         }
         line.text.replace(u'\t', u' ');
     }
+    // "fon 0221 987 654 0 / durchwahl -23": the direct line is the switchboard's number with
+    // the extension in place of its 0.
+    if (depth < 3 && line.text.contains(u" -"_s)) {
+        const WordViews w = Words(line.text);
+        const qsizetype n = w.size();
+        const QStringView ext = n >= 4 ? w[n - 1] : QStringView();
+        if (ext.size() >= 2 && ext.size() <= 5 && ext[0] == u'-' &&
+            CountDigitsIn(ext) == ext.size() - 1) {
+            const Label* l = knowledge().label(LowerKey(chopTrailing(w[n - 2], u":")).str());
+            const QStringView head = chopTrailing(
+                QStringView(line.text).left(w[n - 2].data() - line.text.data()), u" /,;");
+            const auto hit = l && l->kind == LabelKind::Phone && l->qualifier == u"direct"_s
+                                 ? ParseLabel(head)
+                                 : std::nullopt;
+            const auto number = hit && hit->known && hit->label.kind == LabelKind::Phone
+                                    ? ParsePhone(hit->rest, true)
+                                    : std::nullopt;
+            if (number && number->value.size() > 2 &&
+                QStringView(u" -.").contains(number->value[number->value.size() - 2]) &&
+                number->value.back() == u'0') {
+                const QString direct =
+                    w[n - 2].toString() + u' ' + number->value.chopped(2) + ext.toString();
+                for (Line& p : piecesOf({head.toString(), direct}))
+                    classifyInto(p, out, depth + 1);
+                return;
+            }
+        }
+    }
     // Two labelled numbers on one line: "Tel. 0711 123 Fax 0711 124".
     if (depth < 3) {
         const WordViews w = Words(line.text);
         for (qsizetype i = 2; i < w.size(); ++i) {
-            if (!w[i - 1].back().isDigit())
+            // Also with a comma between: "Handy 0151 123, Mail eva@…".
+            const QStringView before = chopTrailing(w[i - 1], u",;");
+            if (before.isEmpty() || !before.back().isDigit())
                 continue;
             const QStringView rest = QStringView(line.text).mid(w[i].data() - line.text.data());
             const auto hit = ParseLabel(rest);
@@ -144,14 +205,26 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
                 (hit->label.kind != LabelKind::Phone && hit->label.kind != LabelKind::Email &&
                  hit->label.kind != LabelKind::Web))
                 continue;
+            const QStringView head = QStringView(line.text).left(w[i].data() - line.text.data());
             QList<Line> pieces =
-                piecesOf({line.text.left(w[i].data() - line.text.data()), rest.toString()});
+                piecesOf({chopTrailing(head.trimmed(), u",;").toString(), rest.toString()});
             for (Line& p : pieces)
                 classifyInto(p, out, depth + 1);
             return;
         }
     }
     const auto hit = ParseLabel(line.text);
+    // "Telefon und Fax bleiben unverändert: Tel. …, Fax …": a sentence in front of labels.
+    if (hit && !hit->known && depth < 3 && !hit->rest.isEmpty())
+        if (const auto inner = ParseLabel(hit->rest);
+            inner && inner->known &&
+            (inner->label.kind == LabelKind::Phone || inner->label.kind == LabelKind::Email ||
+             inner->label.kind == LabelKind::Web)) {
+            Line rest = line;
+            rest.text = hit->rest;
+            classifyInto(rest, out, depth + 1);
+            return;
+        }
     if (hit && hit->known && hit->label.kind == LabelKind::Street && !hit->rest.isEmpty() &&
         !IsThreadCut(line.text)) {
         QList<Line> extra;
@@ -185,9 +258,37 @@ void Analysis::classifyInto(Line line, QList<Line>& out, int depth)
             }
         }
     }
-    // "Street 1, 12345 City" and "Postfach 12, 12345 City"
-    if ((whole.kind == Kind::Unknown || whole.kind == Kind::Noise) && line.text.contains(u", "_s) &&
-        depth < 3) {
+    // "Muster AG, Herr Max Muster, Hauptstrasse 1, 9490 Vaduz, Tel. …": a whole contact on
+    // one line, each part between commas a field of its own.
+    if ((whole.kind == Kind::Prose || whole.kind == Kind::Unknown) && depth < 2 &&
+        line.text.count(u", "_s) >= 3) {
+        const QStringList parts = line.text.split(u", "_s);
+        if (parts.size() <= 10 && std::all_of(parts.cbegin(), parts.cend(),
+                                              [](const QString& p) { return WordCount(p) <= 6; })) {
+            QList<Line> result;
+            int placed = 0;
+            bool postal = false;
+            for (Line& p : piecesOf(parts)) {
+                QList<Line> sub;
+                classifyInto(p, sub, depth + 1);
+                for (const Line& x : sub) {
+                    placed += x.kind != Kind::Unknown && x.kind != Kind::Prose;
+                    postal = postal || x.kind == Kind::PostcodeCity || x.kind == Kind::Phone ||
+                             x.kind == Kind::Email;
+                }
+                result.append(sub);
+            }
+            if (postal && placed >= 3 && placed == result.size()) {
+                out.append(result);
+                return;
+            }
+        }
+    }
+    // "Street 1, 12345 City" and "Postfach 12, 12345 City"; behind a label also when the
+    // town ends in a dot ("Weißenburg i. Bay.").
+    if ((whole.kind == Kind::Unknown || whole.kind == Kind::Noise ||
+         (whole.kind == Kind::Prose && depth > 0)) &&
+        line.text.contains(u", "_s) && depth < 3) {
         QList<Line> pieces = piecesOf(line.text.split(u", "_s));
         bool postal = false;
         for (Line& p : pieces) {
@@ -397,10 +498,25 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
             l.place.plz = value;
         }
         return;
-    case LabelKind::Address2:
+    case LabelKind::Address2: {
+        // "Address line 2: 45 Mill Street" under the unit, "Postfach: Postfach 118".
+        QString street;
+        if (!IsAddressExtra(value) && StreetStrength(value, &street) == 2) {
+            l.kind = Kind::Street;
+            l.value = street;
+            l.strength = 3;
+            l.why += u"Straße hinter dem Etikett eines Adresszusatzes"_s;
+            return;
+        }
+        if (IsPoBox(value)) {
+            l.kind = Kind::PoBox;
+            l.why += u"Postfach hinter dem Etikett"_s;
+            return;
+        }
         l.kind = Kind::Address2;
         l.why += u"Adresszusatz hinter dem Etikett"_s;
         return;
+    }
     case LabelKind::City:
         l.kind = Kind::City;
         return;

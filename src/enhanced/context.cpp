@@ -419,8 +419,10 @@ void Analysis::context()
             Line& p = m_lines[prev];
             const bool letters =
                 std::any_of(p.text.cbegin(), p.text.cend(), [](QChar c) { return c.isLetter(); });
+            // A heading that is a label ("Kontaktadresse") names no firm.
             if (p.kind == Kind::Unknown && !p.nameShaped && CountDigitsIn(p.text) == 0 && letters &&
-                (WordCount(p.text) == 1 || IsAllCaps(p.text)) && WordCount(p.text) <= 5) {
+                (WordCount(p.text) == 1 || IsAllCaps(p.text)) && WordCount(p.text) <= 5 &&
+                !knowledge().label(LowerKey(p.text).str())) {
                 l.text = p.text + u' ' + l.text;
                 l.why += u"; mit der Zeile davor ein Name"_s;
                 p.skipped = true;

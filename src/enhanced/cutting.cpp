@@ -1,4 +1,5 @@
 #include "engine.h"
+#include "wordbits.h"
 
 #include <algorithm>
 
@@ -83,6 +84,40 @@ namespace {
 
 constexpr int ColumnGap = 3; // blanks in a row that may part two columns
 
+// "Firma *      Muster AG", "Name<TAB>Eva Roth", "Telefon Geschäft    052 386 11 22": a
+// form's label in the cell before its value, as one labelled line ("Firma *: Muster AG").
+QString withFormLabel(QStringView line)
+{
+    qsizetype from = 0;
+    while (from < line.size() && line[from] == u' ')
+        ++from;
+    const qsizetype tab = line.indexOf(u'\t', from);
+    const qsizetype run = line.indexOf(u"   "_s, from);
+    const qsizetype at = tab < 0 ? run : run < 0 ? tab : std::min(tab, run);
+    if (at <= from)
+        return QString();
+    const QStringView head = line.mid(from, at - from).trimmed();
+    const QStringView value = line.mid(at).trimmed();
+    // One value to a line: more cells make a table or a footer in columns.
+    if (value.isEmpty() || value.front() == u':' || value.contains(u'\t') ||
+        value.contains(u"   "_s) || head.isEmpty() || head.contains(u':') || WordCount(head) > 4 ||
+        CountDigitsIn(head) > 0)
+        return QString();
+    QString out = head.toString() + u": "_s + value.toString();
+    const auto hit = ParseLabel(out);
+    if (!hit || !hit->known || hit->rest != value)
+        return QString();
+    switch (hit->label.kind) {
+    case LabelKind::Role:
+    case LabelKind::Job:
+    case LabelKind::SkipBlock:
+    case LabelKind::SkipLine:
+        return QString();
+    default:
+        return out;
+    }
+}
+
 // Where the runs of blanks inside a line end that may part columns: not behind a label
 // ("Tel.     0711", "Firma   :  Muster") and not in front of a colon.
 QList<qsizetype> gapEnds(QStringView line)
@@ -106,8 +141,13 @@ QList<qsizetype> gapEnds(QStringView line)
             const Label* l = Words(before).size() <= 3 && !before.contains(u": "_s)
                                  ? knowledge().label(before.toString().toLower())
                                  : nullptr;
-            const bool label = l && (l->kind == LabelKind::Phone || l->kind == LabelKind::Email ||
-                                     l->kind == LabelKind::Web);
+            // A phone label keeps only a number beside it: "Durchwahl     Datum" are two heads
+            // of a letter's reference table.
+            const QChar next = line[j];
+            const bool number = isDigit(next) || next == u'+' || next == u'(';
+            const bool label = (l && ((l->kind == LabelKind::Phone && number) ||
+                                      l->kind == LabelKind::Email || l->kind == LabelKind::Web)) ||
+                               (out.isEmpty() && !withFormLabel(line).isEmpty());
             if (!before.endsWith(u':') && !label) {
                 out.append(j);
                 cell = -1;
@@ -226,7 +266,11 @@ void Analysis::cut(const QString& text, const QString& separator)
             const int source = unit.source;
             if (source > MaxLines)
                 return;
-            QString t = cleaned(rawLine.left(MaxLineLength * 4));
+            const QStringView kept = rawLine.left(MaxLineLength * 4);
+            QString t;
+            if (kept.contains(u'\t') || kept.contains(u"   "_s))
+                t = withFormLabel(kept);
+            t = cleaned(t.isEmpty() ? kept : QStringView(t));
             bool quoted = false;
             while (!t.isEmpty() && (t.front() == u'>' || t.front() == u' ')) {
                 quoted = quoted || t.front() == u'>';

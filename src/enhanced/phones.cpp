@@ -24,6 +24,28 @@ PhoneRole roleOf(const QString& qualifier)
 
 } // namespace
 
+namespace {
+
+// "16.03.2026", "1.4.26": a date in a letter's reference line, never a number to call.
+bool isDateShaped(QStringView number)
+{
+    int group = 0;
+    int length = 0;
+    for (QChar c : number) {
+        if (isDigit(c)) {
+            ++length;
+        } else if (c == u'.' && length >= 1 && length <= 2 && group < 2) {
+            ++group;
+            length = 0;
+        } else {
+            return false;
+        }
+    }
+    return group == 2 && (length == 2 || length == 4);
+}
+
+} // namespace
+
 std::optional<PhoneNumber> ParsePhone(QStringView value, bool strict)
 {
     value = value.trimmed();
@@ -68,7 +90,7 @@ std::optional<PhoneNumber> ParsePhone(QStringView value, bool strict)
     number = stripTrailing(number, u" /-.–(");
     if (number.count(u'(') != number.count(u')'))
         return std::nullopt;
-    if (digits < 6 || digits > 16)
+    if (digits < 6 || digits > 16 || isDateShaped(number))
         return std::nullopt;
     PhoneNumber out;
     out.value = number;

@@ -139,6 +139,45 @@ std::optional<Label> looseLabel(const QString& lowerLabel, QStringView value)
     return std::nullopt;
 }
 
+// A form's label in another dress: a required-field mark ("Firma*", "Name *"), a house
+// number beside the street ("Strasse, Nr.") or alternatives of which one is known ("Firma /
+// Organisation", "Town/City").
+std::optional<Label> formLabel(QStringView lowerLabel)
+{
+    const Knowledge& k = knowledge();
+    QStringView s = lowerLabel;
+    while (!s.isEmpty() && (s.back() == u'*' || s.back() == u' '))
+        s.chop(1);
+    if (s.isEmpty())
+        return std::nullopt;
+    const bool marked = s.size() != lowerLabel.size();
+    const auto usable = [](const Label* l) {
+        return l && l->kind != LabelKind::SkipBlock && l->kind != LabelKind::SkipLine;
+    };
+    if (marked)
+        if (const Label* l = k.label(s.toString()); usable(l))
+            return *l;
+    static const QStringList numbers{u", nr."_s,        u" nr."_s,     u"/nr."_s,
+                                     u", hausnr."_s,    u" hausnr."_s, u", no."_s,
+                                     u", hausnummer"_s, u", number"_s, u" no."_s};
+    for (const QString& n : numbers)
+        if (s.size() > n.size() && s.endsWith(n)) {
+            const Label* l = k.label(s.left(s.size() - n.size()).trimmed().toString());
+            if (l && l->kind == LabelKind::Street)
+                return Label{LabelKind::Street, {}};
+        }
+    if (!s.contains(u'/'))
+        return std::nullopt;
+    for (QStringView part : s.split(u'/')) {
+        part = part.trimmed();
+        if (part.isEmpty() || part.size() == s.size())
+            continue;
+        if (const Label* l = k.label(part.toString()); usable(l) && l->kind != LabelKind::Role)
+            return *l;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 WordViews Words(QStringView text)
@@ -323,7 +362,10 @@ std::optional<LabelHit> ParseLabel(QStringView text)
         // So may the number of a form's line: "Address line 1:", "Adresszeile 2:".
         const bool lineNumber = name.size() > 3 && isDigit(name.back()) &&
                                 name[name.size() - 2] == u' ' && CountDigitsIn(name) == 1;
-        if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal || lineNumber) &&
+        // A scanned label keeps its slip: "Te1.:", "Mobi1:".
+        const bool scanned = name.size() <= 8 && CountDigitsIn(name) == 1 &&
+                             k.label(LowerKey(name).str()) != nullptr;
+        if (!name.isEmpty() && (CountDigitsIn(name) == 0 || ordinal || lineNumber || scanned) &&
             !name.contains(u'@') && WordCount(name) <= 6) {
             LabelHit hit;
             hit.name = name.toString();
@@ -339,6 +381,9 @@ std::optional<LabelHit> ParseLabel(QStringView text)
             } else if (const auto loose = looseLabel(lower, hit.rest)) {
                 hit.known = true;
                 hit.label = *loose;
+            } else if (const auto form = formLabel(lower)) {
+                hit.known = true;
+                hit.label = *form;
             }
             // "Halle 3: Eingang Süd" is no label but a place.
             const bool numbered = lineNumber && !ordinal && CountDigitsIn(name) > 0;

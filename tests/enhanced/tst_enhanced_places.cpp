@@ -78,6 +78,14 @@ private slots:
     void poBoxBesideStreet() { check(); }
     void columns_data();
     void columns() { check(); }
+    void formLabels_data();
+    void formLabels() { check(); }
+    void formCells_data();
+    void formCells() { check(); }
+    void lineOfFields_data();
+    void lineOfFields() { check(); }
+    void addressLines_data();
+    void addressLines() { check(); }
     void noLineLost_data();
     void noLineLost();
 
@@ -311,6 +319,114 @@ void TestEnhancedPlaces::columns_data()
     addCase("one wide gap is no column",
             "Schmid   Metallbau   GmbH\nIndustriestraße 4\n89077 Ulm\n",
             "Firma=Schmid Metallbau GmbH");
+}
+
+void TestEnhancedPlaces::formLabels_data()
+{
+    textAndExpected();
+    addCase("required-field marks with and without a blank",
+            "Firma*: Brunner Metallbau AG\nVorname *: Silvia\nNachname*: Brunner\n",
+            "Firma=Brunner Metallbau AG | Vorname=Silvia | Nachname=Brunner");
+    addCase("alternatives of which one part is known",
+            "Verein / Organisation: Turnverein Eichwald e.V.\nTown/City: Derby\n",
+            "Firma=Turnverein Eichwald e.V. | Ort=Derby");
+    addCase("street label with the house number beside it, a PO box label repeating itself",
+            "Strasse, Nr.: Bahnhofweg 2\nPostfach: Postfach 45\nPLZ: 3600\nOrt: Thun\n",
+            "Adresse=Bahnhofweg 2 | Adresse 2=Postfach 45 | PLZ=3600 | Ort=Thun");
+    addCase("academic title, institution and chair",
+            "Akad. Titel: Dr.\nInstitution: Hochschule Nordhafen\n"
+            "Lehrstuhl / Abteilung: Lehrstuhl für Akustik\n",
+            "Titel=Dr. | Firma=Hochschule Nordhafen | Abteilung=Lehrstuhl für Akustik");
+    addCase("office address whose town ends in a dot",
+            "Dienstanschrift: Marktplatz 2, 92318 Neumarkt i. d. OPf.\n",
+            "Adresse=Marktplatz 2 | PLZ=92318 | Ort=Neumarkt i. d. OPf.");
+    addCase("second address line holding the street under the unit",
+            "Address line 1: Suite 4, Canal House\nAddress line 2: 9 Wharf Road\n"
+            "Town/City: Derby\nPostcode: DE1 2AB\n",
+            "Adresse=9 Wharf Road | Adresse 2=Suite 4, Canal House | Ort=Derby");
+}
+
+void TestEnhancedPlaces::formCells_data()
+{
+    textAndExpected();
+    addCase("labels and values parted by tabs",
+            "Firmenname\tKessler Bau GmbH\nVorname\tJonas\nNachname\tKessler\n"
+            "Telefon\t0761 / 55 66 77\nTelefax\t0761 / 55 66 78\n",
+            "Firma=Kessler Bau GmbH | Vorname=Jonas | Nachname=Kessler | "
+            "Telefon=0761 / 55 66 77 | Fax=0761 / 55 66 78 | Telefon 2=<none>");
+    addCase("labels with marks and values aligned by blanks",
+            "Firma *          Auer Druck GmbH\nVorname *        Lena\nName *           Auer\n"
+            "Telefon Büro     0821 44 55 66\nFax              –\n",
+            "Firma=Auer Druck GmbH | Vorname=Lena | Nachname=Auer | Telefon=0821 44 55 66");
+    addCase("order numbers and dates are no phones",
+            "Kundennr.\t4711-2026\nDatum\t03.05.2026\nName\tOtto Brandl\n"
+            "Telefon\t0911 22 33 44\n",
+            "Kontakt=Otto Brandl | Telefon=0911 22 33 44 | Telefon 2=<none>");
+    addCase("a customer id is no phone, a direct line's number label is",
+            "Kunden-ID\t88-1234-77\nDurchwahl-Nr.\t0711 98 76-15\n",
+            "Telefon=0711 98 76-15 | Telefon 2=<none>");
+    addCase("a letter's reference table: the direct line under its head",
+            "Ihr Zeichen      Unser Zeichen     Durchwahl          Datum\n"
+            "ab-12            KL/pw             0345 66 77 88-12   04.05.2026\n\n"
+            "Mit freundlichen Grüßen\n\nKarla Lenz\nSaalewerk Lenz GmbH\nLeunaer Straße 9\n"
+            "06112 Halle (Saale)\nTelefon 0345 66 77 88-0\n",
+            "Telefon=0345 66 77 88-12 | Telefon 2=0345 66 77 88-0 | Kontakt=Karla Lenz");
+    addCase("a footer in columns beside a person still parts",
+            "Anna Berg                     Berg & Partner GmbH\n"
+            "Geschäftsführerin             Seestraße 4\n",
+            "Firma=Berg & Partner GmbH | Kontakt=Anna Berg | Adresse=Seestraße 4");
+}
+
+void TestEnhancedPlaces::lineOfFields_data()
+{
+    textAndExpected();
+    addCase("a whole contact on one line",
+            "Seiler Holzbau GmbH, Frau Anna Seiler, Mühlweg 3, 6300 Zug, Tel. +41 41 710 22 33, "
+            "anna@seiler-holzbau.ch",
+            "Firma=Seiler Holzbau GmbH | Kontakt=Anna Seiler | Adresse=Mühlweg 3 | PLZ=6300 | "
+            "Ort=Zug | Telefon=+41 41 710 22 33 | eMail=anna@seiler-holzbau.ch");
+    addCase("a sentence with many commas stays a sentence",
+            "Wir liefern Holz, Pellets, Briketts, Hackschnitzel und Rinde in der ganzen Region.\n"
+            "Ott Brennstoffe\nHandy 0172 3344556, Mail k.ott@ott-brennstoffe.de\n",
+            "Mobil=0172 3344556 | eMail=k.ott@ott-brennstoffe.de");
+    addCase("labels behind a sentence with a colon",
+            "Holzhandlung Brehm\nUnsere Nummern bleiben gleich: Tel. 0611 23 45 67, "
+            "Fax 0611 23 45 68\n",
+            "Telefon=0611 23 45 67 | Fax=0611 23 45 68");
+    addCase("two firms: the first firm's switchboard stays its phone",
+            "Generalunternehmer:\nBrandt Bau GmbH\nAnsprechpartner: Herr Uwe Brandt\n"
+            "Werkstraße 5\n38100 Braunschweig\nTel. 0531 / 22 33-0\n\nNachunternehmer:\n"
+            "Elektro Lutz e.K.\nKarlstraße 2\n38102 Braunschweig\nTel. 0531 / 7 88 99\n",
+            "Telefon=0531 / 22 33-0 | Kontakt=Uwe Brandt");
+    addCase("an extension behind the switchboard makes the direct line",
+            "Kollektiv Neun GmbH\nHafenweg 2\n20457 Hamburg\nfon 040.123 456 0 / durchwahl -17\n",
+            "Telefon=040.123 456-17 | Telefon 2=040.123 456 0");
+    addCase("direct line under the switchboard, single-letter labels",
+            "Kade Advocaten\nCoolsingel 12\n3011 AD Rotterdam\nT +31 10 412 00 00\n"
+            "D +31 10 412 00 17\n",
+            "Telefon=+31 10 412 00 17 | Telefon 2=+31 10 412 00 00");
+}
+
+void TestEnhancedPlaces::addressLines_data()
+{
+    textAndExpected();
+    addCase("a unit on an estate and no street: the unit is the address",
+            "Kestrel Tools Ltd\nUnit 12, Harbour Trading Estate\nPlymouth PL4 0RA\n",
+            "Adresse=Unit 12, Harbour Trading Estate | Adresse 2=<none> | PLZ=PL4 0RA");
+    addCase("a studio above the street",
+            "Fennick Design Ltd\nStudio 3, The Old Tannery\n22 Mill Lane\nNorwich NR3 1AB\n",
+            "Adresse=22 Mill Lane | Adresse 2=Studio 3, The Old Tannery");
+    addCase("a firm named studio is no address line",
+            "Studio Lichtblick\nSonnenstraße 4\n80331 München\n",
+            "Firma=Studio Lichtblick | Adresse=Sonnenstraße 4 | Adresse 2=<none>");
+    addCase("a heading that is a label is no part of the firm below",
+            "Impressum\n\nKontaktadresse\nBergbahn Hohwald AG\nTalweg 3\n3800 Interlaken\n",
+            "Firma=Bergbahn Hohwald AG | Adresse=Talweg 3");
+    addCase("country behind a dash", "Atelier Morel\n4, place Bellecour\n69002 Lyon – France\n",
+            "Ort=Lyon | PLZ=69002");
+    addCase("scanned one for an l in street and town, and in a label",
+            "Gartenbau Weber\nLange A1lee 12\n34117 Kasse1\nMobi1 0171 2233445\n",
+            "Adresse=Lange Allee 12 | Ort=Kassel | Mobil=0171 2233445");
 }
 
 void TestEnhancedPlaces::noLineLost_data()
