@@ -295,6 +295,17 @@ void Analysis::assemble()
     });
 
     int mail = first([](const Line& l) { return l.kind == Kind::Email; });
+    // The signer's own address over the letterhead's "info@" or "secretariat@".
+    if (mail >= 0 && name.nachname.size() >= 2) {
+        const QString family = MailKey(name.nachname);
+        for (int i = mail + 1; !family.isEmpty() && i < m_to; ++i)
+            if (m_lines[i].kind == Kind::Email && usable(i) &&
+                !MailKey(m_lines[mail].value.section(u'@', 0, 0)).contains(family) &&
+                MailKey(m_lines[i].value.section(u'@', 0, 0)).contains(family)) {
+                mail = i;
+                break;
+            }
+    }
     QString mailValue = mail >= 0 ? m_lines[mail].value : QString();
     // A forwarded message without the address in its signature: its "Von:" line has it.
     if (mail < 0 && m_from < m_to && !name.nachname.isEmpty() &&

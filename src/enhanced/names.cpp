@@ -34,11 +34,23 @@ bool isNameWord(QStringView w)
     return !w.endsWith(u'-');
 }
 
+// OCR reads the capital I of "Ing." as a small l: "Dipl.-lng.", "lng."
+QString mendDegree(QStringView w)
+{
+    QString s = w.toString();
+    for (qsizetype at = s.indexOf(u"lng"_s); at >= 0; at = s.indexOf(u"lng"_s, at + 1))
+        if (at == 0 || s[at - 1] == u'-' || s[at - 1] == u'.')
+            s[at] = u'I';
+    return s;
+}
+
 bool isDegree(QStringView w, bool allCaps)
 {
     const Knowledge& k = knowledge();
     const QString s = keyOf(w);
-    return k.degrees.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper()));
+    if (k.degrees.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper())))
+        return true;
+    return s.contains(u"lng"_s) && k.degrees.contains(keyOf(mendDegree(w)));
 }
 
 bool isDegreeFollow(QStringView w, bool allCaps)
@@ -46,6 +58,33 @@ bool isDegreeFollow(QStringView w, bool allCaps)
     const Knowledge& k = knowledge();
     const QString s = keyOf(w);
     return k.degreeFollows.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper()));
+}
+
+bool isPostNominal(QStringView w, bool allCaps)
+{
+    const QSet<QString>& letters = knowledge().postNominals;
+    return w.size() >= 2 && (letters.contains(w.toString()) ||
+                             (allCaps && letters.contains(w.toString().toUpper())));
+}
+
+// OCR reads a small l as a capital I: "SchIegel". Left alone after the prefixes that do take a
+// capital ("McIntosh", "MacInnes", "DiIorio").
+QString mendCapitalI(const QString& w)
+{
+    qsizetype at = w.indexOf(u'I', 1);
+    if (at < 0)
+        return w;
+    QString out = w;
+    for (; at > 0 && at + 1 < out.size(); at = out.indexOf(u'I', at + 1)) {
+        if (!out[at - 1].isLower() || !out[at + 1].isLower())
+            continue;
+        const QStringView head = QStringView(out).left(at);
+        if (head == u"Mc" || head == u"Mac" || head == u"Di" || head == u"De" || head == u"Da" ||
+            head.endsWith(u"-Mc") || head.endsWith(u"-Mac"))
+            continue;
+        out[at] = u'l';
+    }
+    return out;
 }
 
 } // namespace
@@ -231,6 +270,27 @@ bool IsKnownGivenName(QStringView word)
     return dash > 0 && knowledge().givenNames.contains(lower.left(dash));
 }
 
+QString MailKey(QStringView text)
+{
+    QString out;
+    out.reserve(text.size() + 2);
+    for (QChar c : text) {
+        const char16_t u = c.toLower().unicode();
+        if (u >= u'a' && u <= u'z')
+            out.append(QChar(u));
+        else if (u == u'ä' || u == u'ö' || u == u'ü')
+            out.append(QChar(u == u'ä' ? u'a' : u == u'ö' ? u'o' : u'u')).append(u'e');
+        else if (u == u'ß')
+            out.append(u"ss");
+        else if (u >= 0xC0 && c.isLetter()) {
+            const QString base = QString(c.toLower()).normalized(QString::NormalizationForm_D);
+            if (!base.isEmpty() && base[0].unicode() < 0x80 && base[0].isLetter())
+                out.append(base[0]);
+        }
+    }
+    return out;
+}
+
 bool IsChairLine(QStringView text)
 {
     static const QStringList chairs{u"präsident"_s, u"president"_s,  u"vorsitz"_s,
@@ -271,7 +331,7 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
             p.marked = true;
             ++i;
         } else if (isDegree(stripTrailing(w[i], u","), caps)) {
-            titles.append(stripTrailing(w[i], u","));
+            titles.append(mendDegree(stripTrailing(w[i], u",")));
             p.marked = true;
             ++i;
             while (i < w.size() && isDegreeFollow(stripTrailing(w[i], u","), caps))
@@ -287,10 +347,30 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
         return std::nullopt;
     if (jobSeen && !p.marked)
         return std::nullopt;
-    // Degrees written behind the name: "Jane Doe, MBA", "John Smith PhD"
+    // A role behind a comma: "Ueli Meier, Verwaltungsratspräsident"; the team behind the signer:
+    // "Jutta Kern und das Team der Druckerei Kern", "Tom Fry & team"
+    static const QSet<QString> joins{u"und"_s, u"&"_s,  u"and"_s, u"+"_s,
+                                     u"et"_s,  u"en"_s, u"e"_s,   u"y"_s};
+    static const QSet<QString> teams{u"team"_s, u"équipe"_s, u"l'équipe"_s, u"crew"_s};
     qsizetype end = w.size();
+    for (qsizetype j = i + 1; j + 1 < end; ++j) {
+        if (w[j].endsWith(u',') && !isDegree(w[j + 1], caps) &&
+            IsJobLine(text.mid(w[j + 1].data() - text.data()))) {
+            end = j + 1;
+            break;
+        }
+        if (j >= i + 2 && w[j].size() <= 3 && joins.contains(LowerKey(w[j]).str()) &&
+            (teams.contains(LowerKey(w[j + 1]).str()) ||
+             (j + 2 < end && teams.contains(LowerKey(w[j + 2]).str())))) {
+            end = j;
+            break;
+        }
+    }
+    // Degrees and letters written behind the name: "Jane Doe, MBA", "John Smith PhD", "Ann Fry
+    // RIBA"
     while (end > i && (isDegree(stripTrailing(w[end - 1], u","), caps) ||
-                       isDegreeFollow(stripTrailing(w[end - 1], u","), caps)))
+                       isDegreeFollow(stripTrailing(w[end - 1], u","), caps) ||
+                       isPostNominal(stripTrailing(w[end - 1], u","), caps)))
         --end;
     // A degree behind the name marks it as one as well as a degree in front.
     if (end < w.size() && isDegree(stripTrailing(w[end], u","), caps))
@@ -311,6 +391,8 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
         if (IsKnownGivenName(mended))
             names[0] = mended;
     }
+    for (QString& n : names)
+        n = mendCapitalI(n);
     // A comma inside ("Meier, Hans") or behind the first word turns the order.
     for (qsizetype j = 0; j < names.size(); ++j) {
         const QString& n = names[j];
@@ -382,7 +464,7 @@ QString DegreeOnly(QStringView text)
     for (qsizetype i = 1; i < w.size(); ++i)
         if (!isDegree(w[i], caps) && !isDegreeFollow(w[i], caps))
             return {};
-    return text.toString();
+    return mendDegree(text);
 }
 
 QString WithoutUnitWord(const QString& text)
