@@ -135,6 +135,20 @@ void Analysis::assemble()
         if (company >= 0)
             companyText =
                 m_lines[company].labelled ? m_lines[company].value : m_lines[company].text;
+        // A logo's second line ("Rechtsanwälte mbB") is the tail of the full name in the
+        // sender line or the footer.
+        if (company >= 0 && m_lines[company].strength == 3 && !m_lines[company].labelled) {
+            const QString tail = u' ' + companyText;
+            const int full = first([&tail](const Line& l) {
+                return l.kind == Kind::Company && l.strength == 3 && !l.labelled &&
+                       l.text.size() > tail.size() && l.text.endsWith(tail) &&
+                       WordCount(l.text) <= 8;
+            });
+            if (full >= 0) {
+                company = full;
+                companyText = m_lines[full].text;
+            }
+        }
     }
     int department = last([](const Line& l) { return l.kind == Kind::Department && l.labelled; });
     if (department < 0)

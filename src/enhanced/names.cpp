@@ -120,6 +120,24 @@ bool HasLegalForm(QStringView text)
         return longest;
     }();
     const WordViews words = Words(text);
+    // "oberhuber strasser architektur zt gmbh": a firm written small ends in its form.
+    if (!caps && !words.isEmpty() && words.size() <= 8 && text[0].isLower() &&
+        std::none_of(text.cbegin(), text.cend(), [](QChar c) { return c.isUpper(); })) {
+        // Only forms that are no word of a sentence as well ("ab", "as", "spa", "e.g.").
+        static const QSet<QString> lowered = [&k] {
+            static const QSet<QString> words{u"e.g."_s,           u"stiftung"_s, u"anstalt"_s,
+                                             u"genossenschaft"_s, u"limited"_s,  u"corporation"_s,
+                                             u"privatstiftung"_s};
+            QSet<QString> out{u"ag"_s,  u"kg"_s,  u"og"_s,  u"ohg"_s, u"gbr"_s, u"ltd"_s,
+                              u"llc"_s, u"inc"_s, u"mbh"_s, u"plc"_s, u"ug"_s};
+            for (const QString& f : k.legalForms)
+                if (!f.contains(u' ') && f.size() >= 4 && !words.contains(f.toLower()))
+                    out.insert(f.toLower());
+            return out;
+        }();
+        if (lowered.contains(stripTrailing(words.back(), u",;")) && CountDigitsIn(text) == 0)
+            return true;
+    }
     for (qsizetype i = 0; i < words.size(); ++i) {
         const QStringView w = words[i];
         const QString s = stripTrailing(w, u",;");
@@ -216,10 +234,48 @@ bool IsCompanyWordLine(QStringView text)
     return false;
 }
 
+namespace {
+
+// "Leiter Institut für Sensorik", "Head of Marketing Department": the unit behind its head.
+qsizetype unitLeadSize(const WordViews& w)
+{
+    static const QSet<QString> heads{
+        u"leiter"_s, u"leiterin"_s, u"leitung"_s, u"direktor"_s, u"direktorin"_s, u"chef"_s,
+        u"chefin"_s, u"dekan"_s,    u"dekanin"_s, u"vorstand"_s, u"sprecher"_s,   u"sprecherin"_s};
+    static const QSet<QString> headsOf{u"head"_s, u"director"_s, u"directeur"_s, u"directrice"_s,
+                                       u"responsable"_s};
+    if (w.size() < 2)
+        return 0;
+    const LowerKey first(w[0]);
+    if (heads.contains(first.str()))
+        return 1;
+    if (w.size() >= 3 && headsOf.contains(first.str())) {
+        const LowerKey second(w[1]);
+        if (second.str() == u"of"_s || second.str() == u"du"_s || second.str() == u"de"_s)
+            return 2;
+    }
+    return 0;
+}
+
+bool isUnitLine(const WordViews& w);
+
+} // namespace
+
 bool IsDepartmentLine(QStringView text)
 {
-    const Knowledge& k = knowledge();
     const WordViews w = Words(text);
+    if (const qsizetype lead = unitLeadSize(w); lead > 0) {
+        const QStringView rest = text.mid(w[lead].data() - text.data());
+        return rest[0].isUpper() && isUnitLine(Words(rest));
+    }
+    return !w.isEmpty() && isUnitLine(w);
+}
+
+namespace {
+
+bool isUnitLine(const WordViews& w)
+{
+    const Knowledge& k = knowledge();
     if (w.size() == 1) {
         // A compound on its own ("Bauamt", "Personalabteilung"), unless it names an authority.
         const BareKey bareKey(w[0]);
@@ -234,6 +290,8 @@ bool IsDepartmentLine(QStringView text)
            (w.size() <= 4 && (tail == u"department"_s || tail == u"division"_s) &&
             w[0][0].isUpper());
 }
+
+} // namespace
 
 bool IsJobLine(QStringView text)
 {
@@ -469,6 +527,9 @@ QString DegreeOnly(QStringView text)
 
 QString WithoutUnitWord(const QString& text)
 {
+    if (const qsizetype lead = unitLeadSize(Words(text)); lead > 0)
+        return WithoutUnitWord(
+            QStringView(text).mid(Words(text)[lead].data() - text.data()).toString());
     const WordViews w = Words(text);
     if (w.size() < 2 || !w[1][0].isUpper())
         return text; // "Abteilung für Kardiologie" keeps its word
