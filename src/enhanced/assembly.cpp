@@ -114,6 +114,21 @@ void Analysis::assemble()
         name.anrede = m_lines[s].value;
         take(s, u"Anrede"_s);
     }
+    // "Bearbeiterin: Frau Meixner" in a letter's reference line names the signer's salutation.
+    if (name.anrede.isEmpty() && person >= 0 && name.nachname.size() >= 2)
+        for (int i = m_from; i < m_to; ++i) {
+            const Line& l = m_lines[i];
+            if (!usable(i) || i == person || l.kind == Kind::Opening ||
+                !l.text.endsWith(name.nachname) || WordCount(l.text) != 2)
+                continue;
+            const WordViews w = Words(l.text);
+            const auto it = knowledge().salutations.constFind(BareKey(w[0]).str());
+            if (it != knowledge().salutations.cend() && !it->german.isEmpty() &&
+                w[1] == name.nachname) {
+                name.anrede = it->german;
+                break;
+            }
+        }
     if (const int t = last([](const Line& l) { return l.kind == Kind::Title && l.labelled; });
         t >= 0) {
         name.titel = m_lines[t].value;
