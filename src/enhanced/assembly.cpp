@@ -116,17 +116,20 @@ void Analysis::assemble()
     }
     // "Bearbeiterin: Frau Meixner" in a letter's reference line names the signer's salutation.
     if (name.anrede.isEmpty() && person >= 0 && name.nachname.size() >= 2)
-        for (int i = m_from; i < m_to; ++i) {
+        for (int i = m_from; i < m_to && name.anrede.isEmpty(); ++i) {
             const Line& l = m_lines[i];
-            if (!usable(i) || i == person || l.kind == Kind::Opening ||
-                !l.text.endsWith(name.nachname) || WordCount(l.text) != 2)
+            if (!usable(i) || i == person || l.kind == Kind::Opening || l.kind == Kind::Prose ||
+                !l.text.contains(name.nachname))
                 continue;
             const WordViews w = Words(l.text);
-            const auto it = knowledge().salutations.constFind(BareKey(w[0]).str());
-            if (it != knowledge().salutations.cend() && !it->german.isEmpty() &&
-                w[1] == name.nachname) {
-                name.anrede = it->german;
-                break;
+            for (qsizetype j = 0; j + 1 < w.size(); ++j) {
+                if (chopTrailing(w[j + 1], u",;") != name.nachname)
+                    continue;
+                const auto it = knowledge().salutations.constFind(BareKey(w[j]).str());
+                if (it != knowledge().salutations.cend() && !it->german.isEmpty()) {
+                    name.anrede = it->german;
+                    break;
+                }
             }
         }
     if (const int t = last([](const Line& l) { return l.kind == Kind::Title && l.labelled; });

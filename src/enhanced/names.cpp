@@ -76,7 +76,8 @@ QString mendCapitalI(const QString& w)
         return w;
     QString out = w;
     for (; at > 0 && at + 1 < out.size(); at = out.indexOf(u'I', at + 1)) {
-        if (!out[at - 1].isLower() || !out[at + 1].isLower())
+        // "KIein": also behind the capital that opens the word.
+        if (!(out[at - 1].isLower() || at == 1) || !out[at + 1].isLower())
             continue;
         const QStringView head = QStringView(out).left(at);
         if (head == u"Mc" || head == u"Mac" || head == u"Di" || head == u"De" || head == u"Da" ||
