@@ -440,15 +440,26 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     if (names.size() < 2 || names.size() > 4)
         return std::nullopt;
     // OCR reads "l" and "o" as digits: "Ma1te" is Malte when that is a known given name.
-    if (CountDigitsIn(names[0]) > 0) {
-        QString mended = names[0];
-        for (qsizetype j = 0; j < mended.size(); ++j)
+    // A family name is mended when the digit stands inside a word of letters: "Stemm1er".
+    for (qsizetype n = 0; n < names.size(); ++n) {
+        if (CountDigitsIn(names[n]) == 0)
+            continue;
+        QString mended = names[n];
+        qsizetype letters = 0;
+        bool inside = true;
+        for (qsizetype j = 0; j < mended.size(); ++j) {
             if (mended[j] == u'0')
                 mended[j] = j == 0 ? u'O' : u'o';
             else if (mended[j] == u'1')
                 mended[j] = j == 0 ? u'I' : u'l';
-        if (IsKnownGivenName(mended))
-            names[0] = mended;
+            else if (mended[j].isLetter())
+                ++letters;
+            if (!mended[j].isLetter() && mended[j] != u'-')
+                inside = false;
+        }
+        if (n == 0 ? IsKnownGivenName(mended)
+                   : inside && letters >= 3 && mended[0].isUpper() && !isDigit(names[n][0]))
+            names[n] = mended;
     }
     for (QString& n : names)
         n = mendCapitalI(n);

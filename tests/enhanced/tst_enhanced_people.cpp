@@ -379,6 +379,12 @@ void TestEnhancedPeople::scannedNames_data()
             "Kind regards\nFiona McIntyre\nMcIntyre Joinery Ltd\n12 Glen Road\n"
             "Inverness IV2 3AB\n",
             "Vorname=Fiona | Nachname=McIntyre");
+    addCase("digits for letters inside a scanned surname",
+            "Dr. Anke Hi1debrandt\nHi1debrandt Dental GmbH\nDomplatz 1\n48143 Münster\n",
+            "Titel=Dr. | Vorname=Anke | Nachname=Hildebrandt");
+    addCase("digits for letters in a scanned given name",
+            "Mit freundlichen Grüßen\nMa1te Sch0lz\nScholz Druck GmbH\nRing 3\n24103 Kiel\n",
+            "Vorname=Malte | Nachname=Scholz");
     addCase("degree read with a small l",
             "Elbtal Planung GmbH\n\nDipl.-lng. Holger Sturm\nKesselsdorfer Str. 8\n"
             "01159 Dresden\n",
