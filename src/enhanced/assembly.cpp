@@ -118,7 +118,8 @@ void Analysis::assemble()
     if (name.anrede.isEmpty() && person >= 0 && name.nachname.size() >= 2)
         for (int i = m_from; i < m_to && name.anrede.isEmpty(); ++i) {
             const Line& l = m_lines[i];
-            if (!usable(i) || i == person || l.kind == Kind::Opening || l.kind == Kind::Prose ||
+            if (!usable(i) || i == person ||
+                (l.kind != Kind::Unknown && l.kind != Kind::Noise && l.kind != Kind::Person) ||
                 !l.text.contains(name.nachname))
                 continue;
             const WordViews w = Words(l.text);
@@ -328,16 +329,17 @@ void Analysis::assemble()
 
     int mail = first([](const Line& l) { return l.kind == Kind::Email; });
     // The signer's own address over the letterhead's "info@" or "secretariat@".
-    if (mail >= 0 && name.nachname.size() >= 2) {
-        const QString family = MailKey(name.nachname);
-        for (int i = mail + 1; !family.isEmpty() && i < m_to; ++i)
-            if (m_lines[i].kind == Kind::Email && usable(i) &&
+    if (mail >= 0 && name.nachname.size() >= 2)
+        for (int i = mail + 1; i < m_to; ++i) {
+            if (m_lines[i].kind != Kind::Email || !usable(i))
+                continue;
+            const QString family = MailKey(name.nachname);
+            if (!family.isEmpty() &&
                 !MailKey(m_lines[mail].value.section(u'@', 0, 0)).contains(family) &&
-                MailKey(m_lines[i].value.section(u'@', 0, 0)).contains(family)) {
+                MailKey(m_lines[i].value.section(u'@', 0, 0)).contains(family))
                 mail = i;
-                break;
-            }
-    }
+            break;
+        }
     QString mailValue = mail >= 0 ? m_lines[mail].value : QString();
     // A forwarded message without the address in its signature: its "Von:" line has it.
     if (mail < 0 && m_from < m_to && !name.nachname.isEmpty() &&

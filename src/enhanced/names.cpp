@@ -35,12 +35,20 @@ bool isNameWord(QStringView w)
 }
 
 // OCR reads the capital I of "Ing." as a small l: "Dipl.-lng.", "lng."
+qsizetype scannedIng(QStringView w, qsizetype from = 0)
+{
+    for (qsizetype at = from; at + 2 < w.size(); ++at)
+        if (w[at] == u'l' && w[at + 1] == u'n' && w[at + 2] == u'g' &&
+            (at == 0 || w[at - 1] == u'-' || w[at - 1] == u'.'))
+            return at;
+    return -1;
+}
+
 QString mendDegree(QStringView w)
 {
     QString s = w.toString();
-    for (qsizetype at = s.indexOf(u"lng"_s); at >= 0; at = s.indexOf(u"lng"_s, at + 1))
-        if (at == 0 || s[at - 1] == u'-' || s[at - 1] == u'.')
-            s[at] = u'I';
+    for (qsizetype at = scannedIng(w); at >= 0; at = scannedIng(w, at + 1))
+        s[at] = u'I';
     return s;
 }
 
@@ -50,7 +58,7 @@ bool isDegree(QStringView w, bool allCaps)
     const QString s = keyOf(w);
     if (k.degrees.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper())))
         return true;
-    return s.contains(u"lng"_s) && k.degrees.contains(keyOf(mendDegree(w)));
+    return scannedIng(w) >= 0 && k.degrees.contains(mendDegree(w));
 }
 
 bool isDegreeFollow(QStringView w, bool allCaps)
@@ -63,8 +71,8 @@ bool isDegreeFollow(QStringView w, bool allCaps)
 bool isPostNominal(QStringView w, bool allCaps)
 {
     const QSet<QString>& letters = knowledge().postNominals;
-    return w.size() >= 2 && (letters.contains(w.toString()) ||
-                             (allCaps && letters.contains(w.toString().toUpper())));
+    return w.size() >= 2 && w[0].isUpper() &&
+           (letters.contains(keyOf(w)) || (allCaps && letters.contains(w.toString().toUpper())));
 }
 
 // OCR reads a small l as a capital I: "SchIegel". Left alone after the prefixes that do take a
@@ -245,7 +253,11 @@ qsizetype unitLeadSize(const WordViews& w)
         u"chefin"_s, u"dekan"_s,    u"dekanin"_s, u"vorstand"_s, u"sprecher"_s,   u"sprecherin"_s};
     static const QSet<QString> headsOf{u"head"_s, u"director"_s, u"directeur"_s, u"directrice"_s,
                                        u"responsable"_s};
-    if (w.size() < 2)
+    // Most lines fail on the first letter.
+    if (w.size() < 2 || w[0].size() < 4 || w[0].size() > 11)
+        return 0;
+    const char16_t c = w[0][0].toLower().unicode();
+    if (c != u'l' && c != u'd' && c != u'c' && c != u'v' && c != u's' && c != u'h' && c != u'r')
         return 0;
     const LowerKey first(w[0]);
     if (heads.contains(first.str()))
@@ -427,10 +439,11 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     }
     // Degrees and letters written behind the name: "Jane Doe, MBA", "John Smith PhD", "Ann Fry
     // RIBA"
-    while (end > i && (isDegree(stripTrailing(w[end - 1], u","), caps) ||
-                       isDegreeFollow(stripTrailing(w[end - 1], u","), caps) ||
-                       isPostNominal(stripTrailing(w[end - 1], u","), caps)))
-        --end;
+    for (; end > i; --end) {
+        const QStringView x = chopTrailing(w[end - 1], u",");
+        if (!isDegree(x, caps) && !isDegreeFollow(x, caps) && !isPostNominal(x, caps))
+            break;
+    }
     // A degree behind the name marks it as one as well as a degree in front.
     if (end < w.size() && isDegree(stripTrailing(w[end], u","), caps))
         p.marked = true;
