@@ -424,10 +424,24 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
                                      u"et"_s,  u"en"_s, u"e"_s,   u"y"_s};
     static const QSet<QString> teams{u"team"_s, u"équipe"_s, u"l'équipe"_s, u"crew"_s};
     qsizetype end = w.size();
-    for (qsizetype j = i + 1; j + 1 < end; ++j) {
+    for (qsizetype j = i + 1; j < end; ++j) {
+        // "Markus Fink (Obmann)", "Tanja Wolf – Geschäftsführerin"
+        if (j >= i + 2 && w[j].startsWith(u'(') && w.back().endsWith(u')')) {
+            end = j;
+            break;
+        }
+        if (j + 1 == end)
+            break;
         if (w[j].endsWith(u',') && !isDegree(w[j + 1], caps) &&
             IsJobLine(text.mid(w[j + 1].data() - text.data()))) {
             end = j + 1;
+            break;
+        }
+        if (j >= i + 2 && w[j].size() == 1 &&
+            (w[j][0] == u'–' || w[j][0] == u'—' || w[j][0] == u'-' || w[j][0] == u'|' ||
+             w[j][0] == u'·' || w[j][0] == u'/') &&
+            IsJobLine(text.mid(w[j + 1].data() - text.data()))) {
+            end = j;
             break;
         }
         if (j >= i + 2 && w[j].size() <= 3 && joins.contains(LowerKey(w[j]).str()) &&

@@ -346,6 +346,14 @@ void TestEnhancedPeople::nameEnds_data()
             "Impressum\nTurnverein Oberwil\nSchulstrasse 2\n4104 Oberwil\n\n"
             "Vorstand\nMonika Brunner, Präsidentin\n",
             "Vorname=Monika | Nachname=Brunner");
+    addCase("chairman's office in brackets behind the name",
+            "Impressum\nMusikverein Bergheim\nDorfplatz 1\n5101 Bergheim\n\nVertreten durch\n"
+            "Markus Aigner (Obmann)\nPetra Gruber (Kassierin)\n",
+            "Vorname=Markus | Nachname=Aigner | Kontakt=Markus Aigner");
+    addCase("function behind a dash",
+            "Viele Grüße\nTanja Wolf – Geschäftsführerin\nWolf Event GmbH\nRingstr. 1\n"
+            "50667 Köln\n",
+            "Vorname=Tanja | Nachname=Wolf");
     addCase("the signer before the team",
             "Herzliche Grüße\nKarin Obermaier und das Team der Bäckerei Obermaier\n"
             "Bäckerei Obermaier OHG\nMarktplatz 3\n84028 Landshut\n",
