@@ -44,11 +44,22 @@ qsizetype scannedIng(QStringView w, qsizetype from = 0)
     return -1;
 }
 
+// ... and a small l as a one: "Dip1.-Ing."
+qsizetype scannedOne(QStringView w)
+{
+    for (qsizetype at = 1; at < w.size(); ++at)
+        if (w[at] == u'1' && w[at - 1].isLower())
+            return at;
+    return -1;
+}
+
 QString mendDegree(QStringView w)
 {
     QString s = w.toString();
     for (qsizetype at = scannedIng(w); at >= 0; at = scannedIng(w, at + 1))
         s[at] = u'I';
+    for (qsizetype at = scannedOne(s); at >= 0; at = scannedOne(s))
+        s[at] = u'l';
     return s;
 }
 
@@ -58,7 +69,7 @@ bool isDegree(QStringView w, bool allCaps)
     const QString s = keyOf(w);
     if (k.degrees.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper())))
         return true;
-    return scannedIng(w) >= 0 && k.degrees.contains(mendDegree(w));
+    return (scannedIng(w) >= 0 || scannedOne(w) >= 0) && k.degrees.contains(mendDegree(w));
 }
 
 bool isDegreeFollow(QStringView w, bool allCaps)

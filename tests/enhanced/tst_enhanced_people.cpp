@@ -366,6 +366,10 @@ void TestEnhancedPeople::nameEnds_data()
             "Oksana Petrenko-Lang\nProjektleitung\n\nFeldweg Media GmbH\nFeldweg 4\n"
             "90402 Nürnberg\noksana.petrenko-lang@feldweg-media.de\n",
             "Vorname=Oksana | Nachname=Petrenko-Lang | Kontakt=Oksana Petrenko-Lang");
+    addCase("an unknown given name, the double family name in the mail",
+            "Zuzana Horváth-Kessler\nArt Direction\n\nBlaupause Studio GmbH\nHafenweg 2\n"
+            "48155 Münster\nzuzana.horvath-kessler@blaupause.example.de\n",
+            "Vorname=Zuzana | Nachname=Horváth-Kessler");
     addCase("a Turkish given name with its own letters",
             "Gökhan Yıldırım\nVertrieb\n\nRheinlicht GmbH\nHafenstraße 9\n"
             "68159 Mannheim\ng.yildirim@rheinlicht.de\n",
@@ -397,6 +401,10 @@ void TestEnhancedPeople::scannedNames_data()
             "Elbtal Planung GmbH\n\nDipl.-lng. Holger Sturm\nKesselsdorfer Str. 8\n"
             "01159 Dresden\n",
             "Titel=Dipl.-Ing. | Vorname=Holger | Nachname=Sturm");
+    addCase("degree read with a one for an l",
+            "Mit freundlichen Grüßen\nDip1.-Ing. Jens Ott\nOtt Statik GmbH\nHof 2\n"
+            "36037 Fulda\n",
+            "Titel=Dipl.-Ing. | Vorname=Jens | Nachname=Ott");
     addCase("degree on a line of its own read with a small l",
             "Mit freundlichen Grüßen\nlng.\nMartin Aigner\nAigner Haustechnik GmbH\n"
             "Lastenstraße 4\n4020 Linz\n",
