@@ -122,6 +122,25 @@ void Analysis::assemble()
         name.anrede = m_lines[s].value;
         take(s, u"Anrede"_s);
     }
+    // "Bearbeiterin: Frau Meixner" in a letter's reference line names the signer's salutation.
+    if (name.anrede.isEmpty() && person >= 0 && name.nachname.size() >= 2)
+        for (int i = m_from; i < m_to && name.anrede.isEmpty(); ++i) {
+            const Line& l = m_lines[i];
+            if (!usable(i) || i == person ||
+                (l.kind != Kind::Unknown && l.kind != Kind::Noise && l.kind != Kind::Person) ||
+                !l.text.contains(name.nachname))
+                continue;
+            const WordViews w = Words(l.text);
+            for (qsizetype j = 0; j + 1 < w.size(); ++j) {
+                if (chopTrailing(w[j + 1], u",;") != name.nachname)
+                    continue;
+                const auto it = knowledge().salutations.constFind(BareKey(w[j]).str());
+                if (it != knowledge().salutations.cend() && !it->german.isEmpty()) {
+                    name.anrede = it->german;
+                    break;
+                }
+            }
+        }
     if (const int t = last([](const Line& l) { return l.kind == Kind::Title && l.labelled; });
         t >= 0) {
         name.titel = m_lines[t].value;
@@ -143,6 +162,20 @@ void Analysis::assemble()
         if (company >= 0)
             companyText =
                 m_lines[company].labelled ? m_lines[company].value : m_lines[company].text;
+        // A logo's second line ("Rechtsanwälte mbB") is the tail of the full name in the
+        // sender line or the footer.
+        if (company >= 0 && m_lines[company].strength == 3 && !m_lines[company].labelled) {
+            const QString tail = u' ' + companyText;
+            const int full = first([&tail](const Line& l) {
+                return l.kind == Kind::Company && l.strength == 3 && !l.labelled &&
+                       l.text.size() > tail.size() && l.text.endsWith(tail) &&
+                       WordCount(l.text) <= 8;
+            });
+            if (full >= 0) {
+                company = full;
+                companyText = m_lines[full].text;
+            }
+        }
     }
     int department = last([](const Line& l) { return l.kind == Kind::Department && l.labelled; });
     if (department < 0)
@@ -322,6 +355,18 @@ void Analysis::assemble()
     });
 
     int mail = first([](const Line& l) { return l.kind == Kind::Email; });
+    // The signer's own address over the letterhead's "info@" or "secretariat@".
+    if (mail >= 0 && name.nachname.size() >= 2)
+        for (int i = mail + 1; i < m_to; ++i) {
+            if (m_lines[i].kind != Kind::Email || !usable(i))
+                continue;
+            const QString family = MailKey(name.nachname);
+            if (!family.isEmpty() &&
+                !MailKey(m_lines[mail].value.section(u'@', 0, 0)).contains(family) &&
+                MailKey(m_lines[i].value.section(u'@', 0, 0)).contains(family))
+                mail = i;
+            break;
+        }
     QString mailValue = mail >= 0 ? m_lines[mail].value : QString();
     // A forwarded message without the address in its signature: its "Von:" line has it.
     if (mail < 0 && m_from < m_to && !name.nachname.isEmpty() &&

@@ -573,6 +573,15 @@ bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
     if (!known)
         parsed = ParseLabel(t);
     if (const std::optional<LabelHit>& hit = known ? *known : parsed) {
+        // A fax's or a memo's sender: "Von: Autohaus Kern GmbH", without a mail address.
+        if (!hit->known && hit->rest.size() > 4 && !hit->rest.contains(u'@') &&
+            (hit->name.compare(u"von"_s, Qt::CaseInsensitive) == 0 ||
+             hit->name.compare(u"from"_s, Qt::CaseInsensitive) == 0 ||
+             hit->name.compare(u"absender"_s, Qt::CaseInsensitive) == 0) &&
+            HasLegalForm(hit->rest) && !IsRegisterLine(hit->rest)) {
+            applyLabel(l, Label{LabelKind::Company, {}}, hit->rest, nullptr, 0);
+            return true;
+        }
         if (!hit->known)
             return is(Kind::Noise, u"Etikett \"%1\" gehört zu keinem Feld"_s.arg(hit->name));
         if (hit->rest.isEmpty()) {

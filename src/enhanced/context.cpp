@@ -335,8 +335,9 @@ void Analysis::context()
     // alone does not, firms are named after their owners too.
     const auto inMail = [&](const PersonName& p) {
         const QString last = fold(p.nachname.section(u' ', -1));
+        // "ayse.demir-schulte@" for Demir-Schulte: both without their dots and hyphens.
         for (const QString& local : mailLocals)
-            if (last.size() >= 3 && local.contains(last))
+            if (last.size() >= 3 && (local.contains(last) || fold(local).contains(last)))
                 return true;
         return false;
     };

@@ -79,6 +79,11 @@ Knowledge load()
         k.salutations.insert(p[0], Salutation{p.value(1), p.value(2) == u"addressee"_s});
     }
     for (const QString& e : entries(u"degrees.txt"_s)) {
+        if (e.startsWith(u'>')) {
+            k.postNominals.insert(e.mid(1));
+            k.postNominals.insert(e.mid(1).toUpper());
+            continue;
+        }
         if (e.startsWith(u'+'))
             k.degreeFollows.insert(e.mid(1));
         else

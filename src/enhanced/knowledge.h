@@ -70,6 +70,7 @@ struct Knowledge {
     QSet<QString> degrees;       // as written
     QSet<QString> degreeFollows; // words that only continue a degree
     QSet<QString> degreesUpper;  // both, upper-cased, for all-caps lines
+    QSet<QString> postNominals;  // letters only ever written behind a name, as written and upper
     QSet<QString> legalForms;
     QSet<QString> legalFormsUpper;
     WordList companyWords;

@@ -34,11 +34,42 @@ bool isNameWord(QStringView w)
     return !w.endsWith(u'-');
 }
 
+// OCR reads the capital I of "Ing." as a small l: "Dipl.-lng.", "lng."
+qsizetype scannedIng(QStringView w, qsizetype from = 0)
+{
+    for (qsizetype at = from; at + 2 < w.size(); ++at)
+        if (w[at] == u'l' && w[at + 1] == u'n' && w[at + 2] == u'g' &&
+            (at == 0 || w[at - 1] == u'-' || w[at - 1] == u'.'))
+            return at;
+    return -1;
+}
+
+// ... and a small l as a one: "Dip1.-Ing."
+qsizetype scannedOne(QStringView w)
+{
+    for (qsizetype at = 1; at < w.size(); ++at)
+        if (w[at] == u'1' && w[at - 1].isLower())
+            return at;
+    return -1;
+}
+
+QString mendDegree(QStringView w)
+{
+    QString s = w.toString();
+    for (qsizetype at = scannedIng(w); at >= 0; at = scannedIng(w, at + 1))
+        s[at] = u'I';
+    for (qsizetype at = scannedOne(s); at >= 0; at = scannedOne(s))
+        s[at] = u'l';
+    return s;
+}
+
 bool isDegree(QStringView w, bool allCaps)
 {
     const Knowledge& k = knowledge();
     const QString s = keyOf(w);
-    return k.degrees.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper()));
+    if (k.degrees.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper())))
+        return true;
+    return (scannedIng(w) >= 0 || scannedOne(w) >= 0) && k.degrees.contains(mendDegree(w));
 }
 
 bool isDegreeFollow(QStringView w, bool allCaps)
@@ -46,6 +77,34 @@ bool isDegreeFollow(QStringView w, bool allCaps)
     const Knowledge& k = knowledge();
     const QString s = keyOf(w);
     return k.degreeFollows.contains(s) || (allCaps && k.degreesUpper.contains(s.toUpper()));
+}
+
+bool isPostNominal(QStringView w, bool allCaps)
+{
+    const QSet<QString>& letters = knowledge().postNominals;
+    return w.size() >= 2 && w[0].isUpper() &&
+           (letters.contains(keyOf(w)) || (allCaps && letters.contains(w.toString().toUpper())));
+}
+
+// OCR reads a small l as a capital I: "SchIegel". Left alone after the prefixes that do take a
+// capital ("McIntosh", "MacInnes", "DiIorio").
+QString mendCapitalI(const QString& w)
+{
+    qsizetype at = w.indexOf(u'I', 1);
+    if (at < 0)
+        return w;
+    QString out = w;
+    for (; at > 0 && at + 1 < out.size(); at = out.indexOf(u'I', at + 1)) {
+        // "KIein": also behind the capital that opens the word.
+        if (!(out[at - 1].isLower() || at == 1) || !out[at + 1].isLower())
+            continue;
+        const QStringView head = QStringView(out).left(at);
+        if (head == u"Mc" || head == u"Mac" || head == u"Di" || head == u"De" || head == u"Da" ||
+            head.endsWith(u"-Mc") || head.endsWith(u"-Mac"))
+            continue;
+        out[at] = u'l';
+    }
+    return out;
 }
 
 } // namespace
@@ -81,6 +140,24 @@ bool HasLegalForm(QStringView text)
         return longest;
     }();
     const WordViews words = Words(text);
+    // "oberhuber strasser architektur zt gmbh": a firm written small ends in its form.
+    if (!caps && !words.isEmpty() && words.size() <= 8 && text[0].isLower() &&
+        std::none_of(text.cbegin(), text.cend(), [](QChar c) { return c.isUpper(); })) {
+        // Only forms that are no word of a sentence as well ("ab", "as", "spa", "e.g.").
+        static const QSet<QString> lowered = [&k] {
+            static const QSet<QString> words{u"e.g."_s,           u"stiftung"_s, u"anstalt"_s,
+                                             u"genossenschaft"_s, u"limited"_s,  u"corporation"_s,
+                                             u"privatstiftung"_s};
+            QSet<QString> out{u"ag"_s,  u"kg"_s,  u"og"_s,  u"ohg"_s, u"gbr"_s, u"ltd"_s,
+                              u"llc"_s, u"inc"_s, u"mbh"_s, u"plc"_s, u"ug"_s};
+            for (const QString& f : k.legalForms)
+                if (!f.contains(u' ') && f.size() >= 4 && !words.contains(f.toLower()))
+                    out.insert(f.toLower());
+            return out;
+        }();
+        if (lowered.contains(stripTrailing(words.back(), u",;")) && CountDigitsIn(text) == 0)
+            return true;
+    }
     for (qsizetype i = 0; i < words.size(); ++i) {
         const QStringView w = words[i];
         const QString s = stripTrailing(w, u",;");
@@ -177,10 +254,52 @@ bool IsCompanyWordLine(QStringView text)
     return false;
 }
 
+namespace {
+
+// "Leiter Institut für Sensorik", "Head of Marketing Department": the unit behind its head.
+qsizetype unitLeadSize(const WordViews& w)
+{
+    static const QSet<QString> heads{
+        u"leiter"_s, u"leiterin"_s, u"leitung"_s, u"direktor"_s, u"direktorin"_s, u"chef"_s,
+        u"chefin"_s, u"dekan"_s,    u"dekanin"_s, u"vorstand"_s, u"sprecher"_s,   u"sprecherin"_s};
+    static const QSet<QString> headsOf{u"head"_s, u"director"_s, u"directeur"_s, u"directrice"_s,
+                                       u"responsable"_s};
+    // Most lines fail on the first letter.
+    if (w.size() < 2 || w[0].size() < 4 || w[0].size() > 11)
+        return 0;
+    const char16_t c = w[0][0].toLower().unicode();
+    if (c != u'l' && c != u'd' && c != u'c' && c != u'v' && c != u's' && c != u'h' && c != u'r')
+        return 0;
+    const LowerKey first(w[0]);
+    if (heads.contains(first.str()))
+        return 1;
+    if (w.size() >= 3 && headsOf.contains(first.str())) {
+        const LowerKey second(w[1]);
+        if (second.str() == u"of"_s || second.str() == u"du"_s || second.str() == u"de"_s)
+            return 2;
+    }
+    return 0;
+}
+
+bool isUnitLine(const WordViews& w);
+
+} // namespace
+
 bool IsDepartmentLine(QStringView text)
 {
-    const Knowledge& k = knowledge();
     const WordViews w = Words(text);
+    if (const qsizetype lead = unitLeadSize(w); lead > 0) {
+        const QStringView rest = text.mid(w[lead].data() - text.data());
+        return rest[0].isUpper() && isUnitLine(Words(rest));
+    }
+    return !w.isEmpty() && isUnitLine(w);
+}
+
+namespace {
+
+bool isUnitLine(const WordViews& w)
+{
+    const Knowledge& k = knowledge();
     if (w.size() == 1) {
         // A compound on its own ("Bauamt", "Personalabteilung"), unless it names an authority.
         const BareKey bareKey(w[0]);
@@ -195,6 +314,8 @@ bool IsDepartmentLine(QStringView text)
            (w.size() <= 4 && (tail == u"department"_s || tail == u"division"_s) &&
             w[0][0].isUpper());
 }
+
+} // namespace
 
 bool IsJobLine(QStringView text)
 {
@@ -229,6 +350,27 @@ bool IsKnownGivenName(QStringView word)
     // "Kai-Uwe", "Hans-Peter"
     const qsizetype dash = lower.indexOf(u'-');
     return dash > 0 && knowledge().givenNames.contains(lower.left(dash));
+}
+
+QString MailKey(QStringView text)
+{
+    QString out;
+    out.reserve(text.size() + 2);
+    for (QChar c : text) {
+        const char16_t u = c.toLower().unicode();
+        if (u >= u'a' && u <= u'z')
+            out.append(QChar(u));
+        else if (u == u'ä' || u == u'ö' || u == u'ü')
+            out.append(QChar(u == u'ä' ? u'a' : u == u'ö' ? u'o' : u'u')).append(u'e');
+        else if (u == u'ß')
+            out.append(u"ss");
+        else if (u >= 0xC0 && c.isLetter()) {
+            const QString base = QString(c.toLower()).normalized(QString::NormalizationForm_D);
+            if (!base.isEmpty() && base[0].unicode() < 0x80 && base[0].isLetter())
+                out.append(base[0]);
+        }
+    }
+    return out;
 }
 
 bool IsChairLine(QStringView text)
@@ -271,7 +413,7 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
             p.marked = true;
             ++i;
         } else if (isDegree(stripTrailing(w[i], u","), caps)) {
-            titles.append(stripTrailing(w[i], u","));
+            titles.append(mendDegree(stripTrailing(w[i], u",")));
             p.marked = true;
             ++i;
             while (i < w.size() && isDegreeFollow(stripTrailing(w[i], u","), caps))
@@ -287,11 +429,46 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
         return std::nullopt;
     if (jobSeen && !p.marked)
         return std::nullopt;
-    // Degrees written behind the name: "Jane Doe, MBA", "John Smith PhD"
+    // A role behind a comma: "Ueli Meier, Verwaltungsratspräsident"; the team behind the signer:
+    // "Jutta Kern und das Team der Druckerei Kern", "Tom Fry & team"
+    static const QSet<QString> joins{u"und"_s, u"&"_s,  u"and"_s, u"+"_s,
+                                     u"et"_s,  u"en"_s, u"e"_s,   u"y"_s};
+    static const QSet<QString> teams{u"team"_s, u"équipe"_s, u"l'équipe"_s, u"crew"_s};
     qsizetype end = w.size();
-    while (end > i && (isDegree(stripTrailing(w[end - 1], u","), caps) ||
-                       isDegreeFollow(stripTrailing(w[end - 1], u","), caps)))
-        --end;
+    for (qsizetype j = i + 1; j < end; ++j) {
+        // "Markus Fink (Obmann)", "Tanja Wolf – Geschäftsführerin"
+        if (j >= i + 2 && w[j].startsWith(u'(') && w.back().endsWith(u')')) {
+            end = j;
+            break;
+        }
+        if (j + 1 == end)
+            break;
+        if (w[j].endsWith(u',') && !isDegree(w[j + 1], caps) &&
+            IsJobLine(text.mid(w[j + 1].data() - text.data()))) {
+            end = j + 1;
+            break;
+        }
+        if (j >= i + 2 && w[j].size() == 1 &&
+            (w[j][0] == u'–' || w[j][0] == u'—' || w[j][0] == u'-' || w[j][0] == u'|' ||
+             w[j][0] == u'·' || w[j][0] == u'/') &&
+            IsJobLine(text.mid(w[j + 1].data() - text.data()))) {
+            end = j;
+            break;
+        }
+        if (j >= i + 2 && w[j].size() <= 3 && joins.contains(LowerKey(w[j]).str()) &&
+            (teams.contains(LowerKey(w[j + 1]).str()) ||
+             (j + 2 < end && teams.contains(LowerKey(w[j + 2]).str())))) {
+            end = j;
+            break;
+        }
+    }
+    // Degrees and letters written behind the name: "Jane Doe, MBA", "John Smith PhD", "Ann Fry
+    // RIBA"
+    for (; end > i; --end) {
+        const QStringView x = chopTrailing(w[end - 1], u",");
+        if (!isDegree(x, caps) && !isDegreeFollow(x, caps) && !isPostNominal(x, caps))
+            break;
+    }
     // A degree behind the name marks it as one as well as a degree in front.
     if (end < w.size() && isDegree(stripTrailing(w[end], u","), caps))
         p.marked = true;
@@ -301,16 +478,29 @@ std::optional<PersonName> ParsePerson(QStringView text, bool needMarker)
     if (names.size() < 2 || names.size() > 4)
         return std::nullopt;
     // OCR reads "l" and "o" as digits: "Ma1te" is Malte when that is a known given name.
-    if (CountDigitsIn(names[0]) > 0) {
-        QString mended = names[0];
-        for (qsizetype j = 0; j < mended.size(); ++j)
+    // A family name is mended when the digit stands inside a word of letters: "Stemm1er".
+    for (qsizetype n = 0; n < names.size(); ++n) {
+        if (CountDigitsIn(names[n]) == 0)
+            continue;
+        QString mended = names[n];
+        qsizetype letters = 0;
+        bool inside = true;
+        for (qsizetype j = 0; j < mended.size(); ++j) {
             if (mended[j] == u'0')
                 mended[j] = j == 0 ? u'O' : u'o';
             else if (mended[j] == u'1')
                 mended[j] = j == 0 ? u'I' : u'l';
-        if (IsKnownGivenName(mended))
-            names[0] = mended;
+            else if (mended[j].isLetter())
+                ++letters;
+            if (!mended[j].isLetter() && mended[j] != u'-')
+                inside = false;
+        }
+        if (n == 0 ? IsKnownGivenName(mended)
+                   : inside && letters >= 3 && mended[0].isUpper() && !isDigit(names[n][0]))
+            names[n] = mended;
     }
+    for (QString& n : names)
+        n = mendCapitalI(n);
     // A comma inside ("Meier, Hans") or behind the first word turns the order.
     for (qsizetype j = 0; j < names.size(); ++j) {
         const QString& n = names[j];
@@ -382,11 +572,14 @@ QString DegreeOnly(QStringView text)
     for (qsizetype i = 1; i < w.size(); ++i)
         if (!isDegree(w[i], caps) && !isDegreeFollow(w[i], caps))
             return {};
-    return text.toString();
+    return mendDegree(text);
 }
 
 QString WithoutUnitWord(const QString& text)
 {
+    if (const qsizetype lead = unitLeadSize(Words(text)); lead > 0)
+        return WithoutUnitWord(
+            QStringView(text).mid(Words(text)[lead].data() - text.data()).toString());
     const WordViews w = Words(text);
     if (w.size() < 2 || !w[1][0].isUpper())
         return text; // "Abteilung für Kardiologie" keeps its word

@@ -103,6 +103,9 @@ bool IsJobLine(QStringView text);
 // A slogan addressed to the reader ("Ihr Partner für Sanitär"), never a firm's name.
 bool IsSloganLine(QStringView text);
 bool IsKnownGivenName(QStringView word);
+// Letters a-z of a name or an address's local part, for matching one to the other:
+// "De Smet" and "de.smet" both give "desmet", "Müller" "mueller".
+QString MailKey(QStringView text);
 // An imprint's line naming the chair ("Präsident", "1. Vorsitzender", "Chairman").
 bool IsChairLine(QStringView text);
 

@@ -69,6 +69,14 @@ private slots:
     void countries() { check(); }
     void letters_data();
     void letters() { check(); }
+    void nameEnds_data();
+    void nameEnds() { check(); }
+    void scannedNames_data();
+    void scannedNames() { check(); }
+    void headings_data();
+    void headings() { check(); }
+    void signerDetails_data();
+    void signerDetails() { check(); }
 
 private:
     // Expected: "Field=value | …" for the fields that matter; a field written "Field=" must
@@ -312,6 +320,168 @@ void TestEnhancedPeople::letters_data()
             "Gesendet: Montag, 2. März 2026 10:00\n"
             "An: Lukas Brand <l.brand@brand-elektro.example.ch>\nBetreff: Offerte\n",
             "eMail=l.brand@brand-elektro.example.ch | Vorname=Lukas | Land=Schweiz");
+}
+
+void TestEnhancedPeople::nameEnds_data()
+{
+    columns();
+    addCase("chartered architect's letters behind the name",
+            "Best wishes,\n\nGareth Pennington FRIBA\nPartner\n\nPennington Hale Ltd\n"
+            "14 Dock Street\nBristol BS1 4RT\n",
+            "Vorname=Gareth | Nachname=Pennington | Kontakt=Gareth Pennington | Titel=");
+    addCase("surveyor and honour after a comma",
+            "Regards\n\nMargaret Olusanya, MRICS, OBE\nOlusanya Surveyors Ltd\n"
+            "2 Kings Road\nLeeds LS1 2AB\n",
+            "Vorname=Margaret | Nachname=Olusanya | Kontakt=Margaret Olusanya");
+    addCase("engineer's letters in an all-caps signature",
+            "KIND REGARDS\n\nDAVID OKAFOR CENG MICE\nOKAFOR STRUCTURES LTD\n"
+            "9 MILL LANE\nCARDIFF CF10 1AA\n",
+            "Vorname=DAVID | Nachname=OKAFOR");
+    addCase("chair behind a comma in an imprint",
+            "Impressum\nBergbahnen Hohgant AG\nTalweg 3\n3555 Trubschachen\n\n"
+            "Vertretungsberechtigte Personen\nReto Gerber, Verwaltungsratspräsident\n"
+            "Sandra Lüthi, Geschäftsführerin\n",
+            "Vorname=Reto | Nachname=Gerber | Kontakt=Reto Gerber");
+    addCase("association's chairwoman behind a comma",
+            "Impressum\nTurnverein Oberwil\nSchulstrasse 2\n4104 Oberwil\n\n"
+            "Vorstand\nMonika Brunner, Präsidentin\n",
+            "Vorname=Monika | Nachname=Brunner");
+    addCase("chairman's office in brackets behind the name",
+            "Impressum\nMusikverein Bergheim\nDorfplatz 1\n5101 Bergheim\n\nVertreten durch\n"
+            "Markus Aigner (Obmann)\nPetra Gruber (Kassierin)\n",
+            "Vorname=Markus | Nachname=Aigner | Kontakt=Markus Aigner");
+    addCase("function behind a dash",
+            "Viele Grüße\nTanja Wolf – Geschäftsführerin\nWolf Event GmbH\nRingstr. 1\n"
+            "50667 Köln\n",
+            "Vorname=Tanja | Nachname=Wolf");
+    addCase("the signer before the team",
+            "Herzliche Grüße\nKarin Obermaier und das Team der Bäckerei Obermaier\n"
+            "Bäckerei Obermaier OHG\nMarktplatz 3\n84028 Landshut\n",
+            "Vorname=Karin | Nachname=Obermaier | Kontakt=Karin Obermaier");
+    addCase("the signer before an English team",
+            "Cheers,\nLiam Doherty & the team at Doherty Print\nDoherty Print Ltd\n"
+            "5 Harbour Road\nGalway H91 X2Y3\nIreland\n",
+            "Vorname=Liam | Nachname=Doherty");
+    addCase("a double family name without a greeting, given name from abroad",
+            "Oksana Petrenko-Lang\nProjektleitung\n\nFeldweg Media GmbH\nFeldweg 4\n"
+            "90402 Nürnberg\noksana.petrenko-lang@feldweg-media.de\n",
+            "Vorname=Oksana | Nachname=Petrenko-Lang | Kontakt=Oksana Petrenko-Lang");
+    addCase("an unknown given name, the double family name in the mail",
+            "Zuzana Horváth-Kessler\nArt Direction\n\nBlaupause Studio GmbH\nHafenweg 2\n"
+            "48155 Münster\nzuzana.horvath-kessler@blaupause.example.de\n",
+            "Vorname=Zuzana | Nachname=Horváth-Kessler");
+    addCase("a Turkish given name with its own letters",
+            "Gökhan Yıldırım\nVertrieb\n\nRheinlicht GmbH\nHafenstraße 9\n"
+            "68159 Mannheim\ng.yildirim@rheinlicht.de\n",
+            "Vorname=Gökhan | Nachname=Yıldırım");
+}
+
+void TestEnhancedPeople::scannedNames_data()
+{
+    columns();
+    addCase("capital I for a small l inside the surname",
+            "Mit freundlichen Grüßen\nHerr Sven KIeinschmidt\nKIeinschmidt Metallbau GmbH\n"
+            "Hüttenweg 2\n57072 Siegen\n",
+            "Anrede=Herr | Vorname=Sven | Nachname=Kleinschmidt");
+    addCase("capital I in the middle of a surname under a label",
+            "Ansprechpartner: Frau Anja MüIler, Einkauf\nTextilhaus Sonne KG\nBahnhofstr. 1\n"
+            "95028 Hof\n",
+            "Vorname=Anja | Nachname=Müller");
+    addCase("a Scottish capital stays",
+            "Kind regards\nFiona McIntyre\nMcIntyre Joinery Ltd\n12 Glen Road\n"
+            "Inverness IV2 3AB\n",
+            "Vorname=Fiona | Nachname=McIntyre");
+    addCase("digits for letters inside a scanned surname",
+            "Dr. Anke Hi1debrandt\nHi1debrandt Dental GmbH\nDomplatz 1\n48143 Münster\n",
+            "Titel=Dr. | Vorname=Anke | Nachname=Hildebrandt");
+    addCase("digits for letters in a scanned given name",
+            "Mit freundlichen Grüßen\nMa1te Sch0lz\nScholz Druck GmbH\nRing 3\n24103 Kiel\n",
+            "Vorname=Malte | Nachname=Scholz");
+    addCase("degree read with a small l",
+            "Elbtal Planung GmbH\n\nDipl.-lng. Holger Sturm\nKesselsdorfer Str. 8\n"
+            "01159 Dresden\n",
+            "Titel=Dipl.-Ing. | Vorname=Holger | Nachname=Sturm");
+    addCase("degree read with a one for an l",
+            "Mit freundlichen Grüßen\nDip1.-Ing. Jens Ott\nOtt Statik GmbH\nHof 2\n"
+            "36037 Fulda\n",
+            "Titel=Dipl.-Ing. | Vorname=Jens | Nachname=Ott");
+    addCase("degree on a line of its own read with a small l",
+            "Mit freundlichen Grüßen\nlng.\nMartin Aigner\nAigner Haustechnik GmbH\n"
+            "Lastenstraße 4\n4020 Linz\n",
+            "Titel=Ing. | Vorname=Martin | Nachname=Aigner");
+}
+
+void TestEnhancedPeople::headings_data()
+{
+    columns();
+    addCase("a fax heading is no firm, the sender line is",
+            "TELEFAXNACHRICHT\n\nAn: Fa. Berger Holz, z. Hd. Frau Lutz\n"
+            "Von: Sägewerk Kollmann GmbH\nWaldstr. 12\n94249 Bodenmais\n"
+            "Ansprechpartner: Herr Florian Kollmann\n",
+            "Firma=Sägewerk Kollmann GmbH | Vorname=Florian | Nachname=Kollmann");
+    addCase("an offer heading over the letterhead",
+            "Angebot\nMalerbetrieb Stuckmann GmbH\nRingstraße 5\n32052 Herford\n",
+            "Firma=Malerbetrieb Stuckmann GmbH");
+    addCase("a contact-address heading over the firm",
+            "Kontaktadresse\nSkilift Hoch-Ybrig AG\nWeglosen 1\n8842 Unteriberg\n",
+            "Firma=Skilift Hoch-Ybrig AG");
+    addCase("a mail header's sender with a name stays no firm",
+            "Von: Petra Wolf\nGesendet: Montag, 2. März 2026 10:12\n\nHallo,\nanbei.\n\n"
+            "Gruß\nPetra Wolf\nWolf Gartenbau GmbH\nAuweg 2\n86152 Augsburg\n",
+            "Firma=Wolf Gartenbau GmbH | Vorname=Petra | Nachname=Wolf");
+    addCase("Austrian firm written small with its chamber form",
+            "lg\nMag. Eva Pichler\n\npichler wimmer ziviltechniker zt gmbh\nLandstraße 9\n"
+            "4020 Linz\n",
+            "Firma=pichler wimmer ziviltechniker zt gmbh");
+    addCase("a sentence written small is no firm",
+            "bitte holen sie die ware ab\nSchreinerei Holm\nDorfstr. 2\n24837 Schleswig\n",
+            "Firma=Schreinerei Holm");
+    addCase("logo line with the form only, full name in the footer",
+            "BRANDT & KOLLEGEN\nSteuerberater PartG mbB\n\nSehr geehrte Damen und Herren,\n"
+            "anbei die Unterlagen.\n\nMit freundlichen Grüßen\nUlrike Brandt\n\n"
+            "Brandt & Kollegen Steuerberater PartG mbB · Ostwall 8 · 47798 Krefeld\n",
+            "Firma=Brandt & Kollegen Steuerberater PartG mbB");
+}
+
+void TestEnhancedPeople::signerDetails_data()
+{
+    columns();
+    addCase("the signer's own mail over the association's office",
+            "FEDERATION OF ORGAN BUILDERS AISBL\nAvenue Louise 12\n1050 Bruxelles\nBelgium\n"
+            "office@fob-organs.eu\n\nYours sincerely,\n\nDr. Pieter Van den Broeck\n"
+            "Secretary General\npieter.vandenbroeck@fob-organs.eu\n",
+            "eMail=pieter.vandenbroeck@fob-organs.eu");
+    addCase("an umlaut surname written out in the mail",
+            "Mit freundlichen Grüßen\nJörg Böhmer\nBöhmer Fenster GmbH\nAm Ring 4\n"
+            "49074 Osnabrück\ninfo@boehmer-fenster.de\njoerg.boehmer@boehmer-fenster.de\n",
+            "eMail=joerg.boehmer@boehmer-fenster.de");
+    addCase("no personal mail: the office's stays",
+            "Mit freundlichen Grüßen\nAnja Reuter\nReuter Optik\nLange Str. 3\n"
+            "26122 Oldenburg\ninfo@reuter-optik.de\nservice@reuter-optik.de\n",
+            "eMail=info@reuter-optik.de");
+    addCase("the unit behind its head's title",
+            "Prof. Dr. Kerstin Albers\nLeiterin Institut für Angewandte Optik\n\n"
+            "Hochschule Nordheide\nCampusallee 1\n21335 Lüneburg\n",
+            "Abteilung=Institut für Angewandte Optik | Firma=Hochschule Nordheide");
+    addCase("English head of a department",
+            "Dr Sarah Whitfield\nHead of School of Chemistry\nUniversity of Northmoor\n"
+            "Science Park\nYork YO10 5DD\n",
+            "Abteilung=School of Chemistry");
+    addCase("a head of sales is a function, no unit",
+            "Tobias Renner\nLeiter Vertrieb\nRenner Antriebe GmbH\nWerkstr. 4\n"
+            "73430 Aalen\n",
+            "Abteilung= | Firma=Renner Antriebe GmbH");
+    addCase("the clerk's salutation from the reference line",
+            "Landratsamt Oberhavel\nBauaufsicht\n\nIhr Zeichen     Bearbeiter     Datum\n"
+            "B-12/26          Herr Kowalski   03.02.2026\n\nSehr geehrte Frau Lenz,\n"
+            "der Antrag ist eingegangen.\n\nMit freundlichen Grüßen\nim Auftrag\n\n"
+            "Marek Kowalski\nAdolf-Dechert-Straße 1\n16515 Oranienburg\n"
+            "m.kowalski@oberhavel.example.de\n",
+            "Anrede=Herr | Vorname=Marek | Nachname=Kowalski");
+    addCase("the recipient's salutation is not the signer's",
+            "Sehr geehrter Herr Beck,\nvielen Dank.\n\nMit freundlichen Grüßen\n"
+            "Julia Beck\nBeck Reisen GmbH\nMarkt 1\n99423 Weimar\n",
+            "Anrede= | Vorname=Julia | Nachname=Beck");
 }
 
 QTEST_GUILESS_MAIN(TestEnhancedPeople)
