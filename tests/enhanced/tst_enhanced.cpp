@@ -1,7 +1,7 @@
 // The enhanced analysis on invented address texts: what a careful person would file, one
 // table per thing it has to know; and that it keeps the classic run's contract.
 
-#include "enhanced/enhanced.h"
+#include "filedcontact.h"
 #include "settings/settings.h"
 
 #include <QJsonArray>
@@ -11,52 +11,7 @@
 
 using namespace zf;
 
-namespace {
-
-// The contact as the transfer files it: per field the last row's non-blank value,
-// "Field=value" sorted, joined with " | ".
-QString filed(const Session& s)
-{
-    QMap<QString, QString> byField;
-    for (int r = 0; r < FieldRows::RowCount; ++r) {
-        const int pos = s.rows.selected(r);
-        if (pos >= 0 && !s.rows.value(r).trimmed().isEmpty())
-            byField[s.rows.fields().nameAt(pos)] = s.rows.value(r);
-    }
-    QStringList out;
-    for (auto it = byField.cbegin(); it != byField.cend(); ++it)
-        out.append(it.key() + u'=' + it.value());
-    return out.join(QStringLiteral(" | "));
-}
-
-QString normalised(const QString& expected)
-{
-    QMap<QString, QString> byField;
-    for (const QString& part : expected.split(QStringLiteral(" | "), Qt::SkipEmptyParts))
-        byField[part.section(u'=', 0, 0)] = part.section(u'=', 1);
-    QStringList out;
-    for (auto it = byField.cbegin(); it != byField.cend(); ++it)
-        out.append(it.key() + u'=' + it.value());
-    return out.join(QStringLiteral(" | "));
-}
-
-struct FreshSession : Session {
-    FreshSession() { rows.FillDefaultFieldLists(); }
-};
-
-QString analyse(const QString& text)
-{
-    FreshSession s;
-    FetchClipboardTextEnhanced(text, s, Seams{});
-    return filed(s);
-}
-
-void addCase(const char* name, const char* text, const char* expected)
-{
-    QTest::newRow(name) << QString::fromUtf8(text) << QString::fromUtf8(expected);
-}
-
-} // namespace
+using namespace zf::test;
 
 class TestEnhanced : public QObject {
     Q_OBJECT
@@ -99,15 +54,9 @@ private:
     }
 };
 
-static void columns()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");
-}
-
 void TestEnhanced::names_data()
 {
-    columns();
+    textAndExpected();
     addCase("contact label without colon in a letter, recipient under a lone salutation",
             "Wasserverband Eider · Schleusenweg 1 · 24768 Rendsburg\n\nFrau\nGesa Thomsen\n"
             "Deichstraße 4\n25761 Büsum\n\nIhr Ansprechpartner\nHerr Jens Petersen\n"
@@ -176,7 +125,7 @@ void TestEnhanced::names_data()
 
 void TestEnhanced::companies_data()
 {
-    columns();
+    textAndExpected();
     addCase("Swiss degree with its school, a foundation as the firm",
             "lic. oec. HSG Martina Frick\nLeiterin Finanzen\n\nAlpenrhein Vorsorge Stiftung\n"
             "Aeulestrasse 30\nFL-9490 Vaduz\n",
@@ -228,7 +177,7 @@ void TestEnhanced::companies_data()
 
 void TestEnhanced::streets_data()
 {
-    columns();
+    textAndExpected();
     addCase("PO box without number beside the street",
             "Vogt Revision AG\nBahnhofplatz 4\nPostfach\nCH-3001 Bern\n",
             "Firma=Vogt Revision AG | Adresse=Bahnhofplatz 4 | Adresse 2=Postfach | PLZ=3001 | "
@@ -306,7 +255,7 @@ void TestEnhanced::streets_data()
 
 void TestEnhanced::postcodes_data()
 {
-    columns();
+    textAndExpected();
     addCase("Swiss prefix and a country line: one country",
             "Alpenblick Reisen AG\nBundesgasse 4\nCH-3011 Bern\nSchweiz\n",
             "Firma=Alpenblick Reisen AG | Adresse=Bundesgasse 4 | PLZ=3011 | Ort=Bern | "
@@ -339,7 +288,7 @@ void TestEnhanced::postcodes_data()
 
 void TestEnhanced::phones_data()
 {
-    columns();
+    textAndExpected();
     addCase("French label", "Tél. +33 1 42 68 53 00\n", "Telefon=+33 1 42 68 53 00");
     addCase("office and radio labels", "Büro: 0911 44 55 66\nFunk: 0171 998877\n",
             "Telefon=0911 44 55 66 | Mobil=0171 998877");
@@ -370,7 +319,7 @@ void TestEnhanced::phones_data()
 
 void TestEnhanced::imprints_data()
 {
-    columns();
+    textAndExpected();
     addCase("generation after the managing director",
             "Impressum\nBrauerei Kellner GmbH\nHopfengasse 1\n91054 Erlangen\n"
             "Geschäftsführer: Georg Kellner sen., Lisa Kellner\n",
@@ -420,7 +369,7 @@ void TestEnhanced::imprints_data()
 
 void TestEnhanced::threads_data()
 {
-    columns();
+    textAndExpected();
     addCase("forwarded message, the address only in its header",
             "Bitte anlegen.\n\n---------- Forwarded message ---------\n"
             "Von: Ruth Albrecht <r.albrecht@albrecht-mosaik.example.de>\nBetreff: Anfrage\n\n"
@@ -469,7 +418,7 @@ void TestEnhanced::threads_data()
 
 void TestEnhanced::forms_data()
 {
-    columns();
+    textAndExpected();
     addCase("English form: the city on its own line above the postcode",
             "Name: Fiona Carver\nAddress: 3 Millbrook Lane\nCity: York\nPostcode: YO1 7HH\n",
             "Vorname=Fiona | Nachname=Carver | Kontakt=Fiona Carver | Adresse=3 Millbrook Lane | "

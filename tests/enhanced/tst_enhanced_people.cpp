@@ -2,56 +2,13 @@
 // which degrees and designations stand around a name, which line is the firm, and what a
 // block says about its country. Invented texts; one table per question.
 
-#include "enhanced/enhanced.h"
+#include "filedcontact.h"
 
 #include <QTest>
 
 using namespace zf;
 
-namespace {
-
-// The contact as the transfer files it: per field the last row's non-blank value,
-// "Field=value" sorted, joined with " | ".
-QString filed(const Session& s)
-{
-    QMap<QString, QString> byField;
-    for (int r = 0; r < FieldRows::RowCount; ++r) {
-        const int pos = s.rows.selected(r);
-        if (pos >= 0 && !s.rows.value(r).trimmed().isEmpty())
-            byField[s.rows.fields().nameAt(pos)] = s.rows.value(r);
-    }
-    QStringList out;
-    for (auto it = byField.cbegin(); it != byField.cend(); ++it)
-        out.append(it.key() + u'=' + it.value());
-    return out.join(QStringLiteral(" | "));
-}
-
-// Only the fields a case names are compared: the rest is other tables' business.
-QString picked(const QString& all, const QStringList& fields)
-{
-    QStringList out;
-    for (const QString& part : all.split(QStringLiteral(" | "), Qt::SkipEmptyParts))
-        if (fields.contains(part.section(u'=', 0, 0)))
-            out.append(part);
-    return out.join(QStringLiteral(" | "));
-}
-
-struct FreshSession : Session {
-    FreshSession() { rows.FillDefaultFieldLists(); }
-};
-
-void addCase(const char* name, const char* text, const char* expected)
-{
-    QTest::newRow(name) << QString::fromUtf8(text) << QString::fromUtf8(expected);
-}
-
-void columns()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");
-}
-
-} // namespace
+using namespace zf::test;
 
 class TestEnhancedPeople : public QObject {
     Q_OBJECT
@@ -85,23 +42,13 @@ private:
     {
         QFETCH(QString, text);
         QFETCH(QString, expected);
-        QStringList fields;
-        QStringList want;
-        for (const QString& part : expected.split(QStringLiteral(" | "), Qt::SkipEmptyParts)) {
-            fields.append(part.section(u'=', 0, 0));
-            if (!part.section(u'=', 1).isEmpty())
-                want.append(part);
-        }
-        FreshSession s;
-        FetchClipboardTextEnhanced(text, s, Seams{});
-        std::sort(want.begin(), want.end());
-        QCOMPARE(picked(filed(s), fields), want.join(QStringLiteral(" | ")));
+        QCOMPARE(analyseNamed(text, expected), normalised(expected));
     }
 };
 
 void TestEnhancedPeople::representatives_data()
 {
-    columns();
+    textAndExpected();
     addCase("managing directors under their label, designations behind",
             "Impressum\n\nHallwanger & Tesch Wirtschaftsprüfung GmbH\nKornmarkt 4\n"
             "99084 Erfurt\n\nGeschäftsführer:\nDipl.-Kfm. Anselm Hallwanger, WP, StB\n"
@@ -165,7 +112,7 @@ void TestEnhancedPeople::representatives_data()
 
 void TestEnhancedPeople::degrees_data()
 {
-    columns();
+    textAndExpected();
     addCase("Dutch engineer",
             "Met vriendelijke groet,\n\nIr. Maarten de Graaf\nProjectleider\n"
             "Graaf Waterbouw B.V.\nHavenweg 12\n3011 AB Rotterdam\n",
@@ -214,7 +161,7 @@ void TestEnhancedPeople::degrees_data()
 
 void TestEnhancedPeople::firms_data()
 {
-    columns();
+    textAndExpected();
     addCase("register line with the court abbreviated is no firm",
             "Viele Grüße\nJana Reuter\n\nkontur design GmbH\nLindenstraße 8 | 10969 Berlin\n"
             "Geschäftsführung: Jana Reuter | HRB 12345 B, AG Charlottenburg\n",
@@ -258,7 +205,7 @@ void TestEnhancedPeople::firms_data()
 
 void TestEnhancedPeople::departments_data()
 {
-    columns();
+    textAndExpected();
     addCase("the generic word goes",
             "Kreiswerke Hollstedt GmbH\nAbteilung Netzanschluss\nWerkstraße 2\n29633 Munster\n",
             "Abteilung=Netzanschluss | Firma=Kreiswerke Hollstedt GmbH");
@@ -277,7 +224,7 @@ void TestEnhancedPeople::departments_data()
 
 void TestEnhancedPeople::countries_data()
 {
-    columns();
+    textAndExpected();
     addCase("Swiss town without country line",
             "Freundliche Grüsse\nMarco Egli\nEgli Gartenbau GmbH\nRiedstrasse 4\n"
             "8400 Winterthur\n",
@@ -304,7 +251,7 @@ void TestEnhancedPeople::countries_data()
 
 void TestEnhancedPeople::letters_data()
 {
-    columns();
+    textAndExpected();
     addCase("French letter: the addressee with her own address is not the sender",
             "CABINET DURAND\n3, place Bellecour\n69002 Lyon\nFrance\n\n"
             "Madame Odile Marchand\n12, rue Victor Hugo\n69003 Lyon\n\nObjet : Devis\n\n"
@@ -324,7 +271,7 @@ void TestEnhancedPeople::letters_data()
 
 void TestEnhancedPeople::nameEnds_data()
 {
-    columns();
+    textAndExpected();
     addCase("chartered architect's letters behind the name",
             "Best wishes,\n\nGareth Pennington FRIBA\nPartner\n\nPennington Hale Ltd\n"
             "14 Dock Street\nBristol BS1 4RT\n",
@@ -378,7 +325,7 @@ void TestEnhancedPeople::nameEnds_data()
 
 void TestEnhancedPeople::scannedNames_data()
 {
-    columns();
+    textAndExpected();
     addCase("capital I for a small l inside the surname",
             "Mit freundlichen Grüßen\nHerr Sven KIeinschmidt\nKIeinschmidt Metallbau GmbH\n"
             "Hüttenweg 2\n57072 Siegen\n",
@@ -413,7 +360,7 @@ void TestEnhancedPeople::scannedNames_data()
 
 void TestEnhancedPeople::headings_data()
 {
-    columns();
+    textAndExpected();
     addCase("a fax heading is no firm, the sender line is",
             "TELEFAXNACHRICHT\n\nAn: Fa. Berger Holz, z. Hd. Frau Lutz\n"
             "Von: Sägewerk Kollmann GmbH\nWaldstr. 12\n94249 Bodenmais\n"
@@ -445,7 +392,7 @@ void TestEnhancedPeople::headings_data()
 
 void TestEnhancedPeople::signerDetails_data()
 {
-    columns();
+    textAndExpected();
     addCase("the signer's own mail over the association's office",
             "FEDERATION OF ORGAN BUILDERS AISBL\nAvenue Louise 12\n1050 Bruxelles\nBelgium\n"
             "office@fob-organs.eu\n\nYours sincerely,\n\nDr. Pieter Van den Broeck\n"
