@@ -519,6 +519,11 @@ void Analysis::applyLabel(Line& l, const Label& label, const QString& value, QLi
     }
     case LabelKind::City:
         l.kind = Kind::City;
+        // "State: ME" belongs behind the city of a US form, as its address writes it.
+        if (label.qualifier == u"state"_s) {
+            l.kind = Kind::Noise;
+            l.why += u"Bundesstaat, zum Ort"_s;
+        }
         return;
     case LabelKind::PostcodeCity:
         if (const auto pc = ParsePostcodeCity(value)) {
@@ -582,8 +587,21 @@ bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
             applyLabel(l, Label{LabelKind::Company, {}}, hit->rest, nullptr, 0);
             return true;
         }
-        if (!hit->known)
+        if (!hit->known) {
+            // "Termine auch online: www.praxis.de": a sentence for a label, an address behind it.
+            // A page behind it ("ec.europa.eu/consumers/odr", a profile) is someone else's.
+            QStringView bare = hit->rest;
+            if (const qsizetype scheme = bare.indexOf(u"://"_s); scheme >= 0)
+                bare = bare.mid(scheme + 3);
+            if (WordCount(hit->name) >= 2 && WordCount(bare) == 1 &&
+                !chopTrailing(bare, u"/").contains(u'/')) {
+                if (const QString host = FindWebHost(hit->rest, true); !host.isEmpty()) {
+                    l.value = host;
+                    return is(Kind::Website, u"Webadresse hinter einem Satz"_s);
+                }
+            }
             return is(Kind::Noise, u"Etikett \"%1\" gehört zu keinem Feld"_s.arg(hit->name));
+        }
         if (hit->rest.isEmpty()) {
             l.kind = Kind::LabelOnly;
             l.labelled = true;

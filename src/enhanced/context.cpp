@@ -148,6 +148,16 @@ void Analysis::context()
         if (l.skipped)
             continue;
         const int next = nextInBlock(i);
+        // A US form's "City: Portland" over "State: ME" files "Portland, ME".
+        if (l.kind == Kind::Noise && l.labelled && l.labelKind == LabelKind::City) {
+            const int prev = prevInBlock(i);
+            const QString state = l.value.trimmed().toUpper();
+            if (prev >= 0 && m_lines[prev].kind == Kind::City && m_lines[prev].labelled &&
+                !m_lines[prev].value.isEmpty() && !m_lines[prev].value.contains(u',') &&
+                knowledge().usStates.contains(state))
+                m_lines[prev].value += u", "_s + state;
+            continue;
+        }
         // "Herr" / "Dipl.-Kffr." on their own lines, the name behind them.
         if (l.kind == Kind::Salutation || l.kind == Kind::Title) {
             int j = next;

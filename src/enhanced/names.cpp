@@ -179,6 +179,13 @@ bool HasLegalForm(QStringView text)
                 return true;
         }
     }
+    // "Brightwater Marine Supply Co.", "HARTLEY & SONS CO": the firm's last word; the county
+    // of "Tralee, Co. Kerry" leads, the state of "Denver, CO" follows a comma.
+    if (words.size() >= 3 && !text.contains(u',') && CountDigitsIn(text) == 0) {
+        const QStringView last = words.back();
+        if (last == u"Co."_s || last == u"CO."_s || (caps && last == u"CO"_s))
+            return true;
+    }
     return false;
 }
 

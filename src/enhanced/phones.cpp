@@ -101,6 +101,14 @@ std::optional<PhoneNumber> ParsePhone(QStringView value, bool strict)
             out.role = roleOf(l->qualifier);
         rest = {};
     }
+    // "(617) 555-0143 office", "0711 2345-0 fax": a phone label behind the number names its
+    // line.
+    if (!rest.isEmpty() && !rest.contains(u' ') && rest.size() <= 12)
+        if (const Label* l = knowledge().label(LowerKey(chopTrailing(rest, u".:")).str());
+            l && l->kind == LabelKind::Phone) {
+            out.role = roleOf(l->qualifier);
+            rest = {};
+        }
     if (strict && !rest.isEmpty())
         return std::nullopt;
     return out;

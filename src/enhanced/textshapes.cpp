@@ -89,6 +89,11 @@ std::optional<Label> looseLabel(const QString& lowerLabel, QStringView value)
                                        u"erreichbar"_s, u"anrufen"_s, u"call"_s,
                                        u"reach"_s,      u"numéro"_s,  u"numero"_s};
     static const Label plain{LabelKind::Phone, {}};
+    // "Company Registration Number:", "VAT number:": a register's number, never a phone.
+    if (std::any_of(words.cbegin(), words.cend(), [](const QString& w) {
+            return w.startsWith(u"regist"_s) || w == u"vat"_s || w == u"tax"_s;
+        }))
+        return std::nullopt;
     for (qsizetype i = 0; i < words.size(); ++i) {
         const QString& w = words[i];
         mail = mail || w.contains(u"mail"_s) || w == u"courriel"_s;
