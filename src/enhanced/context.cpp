@@ -106,7 +106,9 @@ void Analysis::context()
                 if (l.person.addressee || lower.startsWith(u"z. hd"_s) ||
                     lower.startsWith(u"z.hd"_s) || lower.startsWith(u"zu händen"_s) ||
                     lower.startsWith(u"attn"_s) ||
-                    (j == blockStart && (lower == u"firma"_s || lower == u"an"_s)) ||
+                    (j == blockStart &&
+                     (lower == u"firma"_s || lower == u"an"_s || lower == u"an die"_s ||
+                      lower == u"an den"_s || lower == u"an das"_s)) ||
                     (j == blockStart && l.kind == Kind::Salutation && !l.labelled &&
                      senderAbove(blockStart)))
                     recipient = true;
