@@ -28,6 +28,30 @@ bool isReferenceCell(QStringView text)
     return false;
 }
 
+// Labels of a form's fields that may stand alone over their value; not roles or headings.
+bool isFormField(LabelKind k)
+{
+    switch (k) {
+    case LabelKind::Company:
+    case LabelKind::Street:
+    case LabelKind::Address2:
+    case LabelKind::City:
+    case LabelKind::Postcode:
+    case LabelKind::PostcodeCity:
+    case LabelKind::Country:
+    case LabelKind::Phone:
+    case LabelKind::Email:
+    case LabelKind::Web:
+    case LabelKind::Name:
+    case LabelKind::FirstName:
+    case LabelKind::LastName:
+    case LabelKind::Department:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 void Analysis::classifyAll()
@@ -63,6 +87,24 @@ void Analysis::classifyAll()
             continue;
         }
         pending.reset();
+        // A form that sets each value under its label, without a colon: a paragraph of
+        // "Straße" over "Allmendweg 7a".
+        if (const qsizetype at = &raw - m_raw.data();
+            raw.text.size() <= 40 && (at == 0 || m_raw[at - 1].kind == Kind::Blank) &&
+            at + 1 < m_raw.size() && m_raw[at + 1].kind != Kind::Blank &&
+            (at + 2 == m_raw.size() || m_raw[at + 2].kind == Kind::Blank))
+            if (const Label* label = knowledge().label(LowerKey(raw.text.trimmed()).str());
+                label && isFormField(label->kind) &&
+                !knowledge().label(LowerKey(m_raw[at + 1].text.trimmed()).str())) {
+                raw.kind = Kind::LabelOnly;
+                raw.labelled = true;
+                raw.labelKind = label->kind;
+                raw.value = label->qualifier;
+                raw.why = u"Etikett allein, der Wert folgt in der nächsten Zeile"_s;
+                pending = std::pair{*label, raw.text};
+                m_lines.append(std::move(raw));
+                continue;
+            }
         QList<Line> out;
         classifyInto(std::move(raw), out, 0);
         // A form's house number on its own line belongs to the street above.

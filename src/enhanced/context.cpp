@@ -107,8 +107,8 @@ void Analysis::context()
                     lower.startsWith(u"z.hd"_s) || lower.startsWith(u"zu händen"_s) ||
                     lower.startsWith(u"attn"_s) ||
                     (j == blockStart &&
-                     (lower == u"firma"_s || lower == u"an"_s || lower == u"an die"_s ||
-                      lower == u"an den"_s || lower == u"an das"_s)) ||
+                     ((lower == u"firma"_s && l.kind != Kind::LabelOnly) || lower == u"an"_s ||
+                      lower == u"an die"_s || lower == u"an den"_s || lower == u"an das"_s)) ||
                     (j == blockStart && l.kind == Kind::Salutation && !l.labelled &&
                      senderAbove(blockStart)))
                     recipient = true;
