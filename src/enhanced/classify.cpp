@@ -772,6 +772,18 @@ bool Analysis::classifyOne(Line& l, const std::optional<LabelHit>* known)
         l.nameShaped = true;
         return is(Kind::Unknown, u"wie ein Name gebaut"_s);
     }
+    // "Ella Lindqvist und Tobias Sauer" sign together: the first named is the contact.
+    if (words == 5 && IsKnownGivenName(tw[0]) && IsKnownGivenName(tw[3])) {
+        static const QSet<QString> joins{u"und"_s, u"and"_s, u"&"_s, u"+"_s, u"et"_s, u"e"_s};
+        if (joins.contains(LowerKey(tw[2]).str()))
+            if (const auto first =
+                    ParsePerson(t.left(tw[1].data() + tw[1].size() - t.data()), false);
+                first && first->knownGiven) {
+                l.person = *first;
+                l.nameShaped = true;
+                return is(Kind::Unknown, u"zwei Namen, der erste zählt"_s);
+            }
+    }
     if (words <= 6 && CountDigitsIn(t) == 0 &&
         (t.contains(u" & "_s) || t.contains(u" + "_s) || t.contains(u" und "_s))) {
         l.strength = 1;
