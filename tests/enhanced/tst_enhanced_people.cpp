@@ -162,6 +162,11 @@ void TestEnhancedPeople::degrees_data()
 void TestEnhancedPeople::firms_data()
 {
     textAndExpected();
+    addCase("all-caps letterhead firm ending in CO.",
+            "KESTREL VALLEY SEED CO.\n214 Mill Road\nAmherst, MA 01002\n",
+            "Firma=KESTREL VALLEY SEED CO.");
+    addCase("a county after a comma is no firm", "Aoife Brennan\nMain Street, Co. Kerry\n",
+            "Firma=");
     addCase("register line with the court abbreviated is no firm",
             "Viele Grüße\nJana Reuter\n\nkontur design GmbH\nLindenstraße 8 | 10969 Berlin\n"
             "Geschäftsführung: Jana Reuter | HRB 12345 B, AG Charlottenburg\n",
@@ -252,6 +257,15 @@ void TestEnhancedPeople::countries_data()
 void TestEnhancedPeople::letters_data()
 {
     textAndExpected();
+    addCase("a recipient authority after \"An die\" is not the sender's firm",
+            "Dipl.-Ing. Petra Haslinger\nBeratende Ingenieurin\nLerchenweg 4\n4020 Linz\n\n"
+            "An die\nMarktgemeinde Steinbach\nBauamt\nHauptplatz 1\n4594 Steinbach\n\n"
+            "Betreff: Statik\n",
+            "Firma= | Abteilung= | Vorname=Petra | Adresse=Lerchenweg 4");
+    addCase("two people sign together: the first named is the contact",
+            "Wir freuen uns auf Sie!\n\nMila Hartung und Jonas Brandt\nAtelier Hartung & Brandt\n"
+            "Ufergasse 2\n04109 Leipzig\n",
+            "Vorname=Mila | Nachname=Hartung");
     addCase("French letter: the addressee with her own address is not the sender",
             "CABINET DURAND\n3, place Bellecour\n69002 Lyon\nFrance\n\n"
             "Madame Odile Marchand\n12, rue Victor Hugo\n69003 Lyon\n\nObjet : Devis\n\n"

@@ -118,6 +118,17 @@ void TestEnhancedPlaces::labels_data()
 void TestEnhancedPlaces::numbersInSentences_data()
 {
     textAndExpected();
+    addCase("several phones on one line, each followed by its label",
+            "Mara Quinlan\nHollis Tool Co.\n(503) 555-0110 office | (503) 555-0111 fax\n",
+            "Telefon=(503) 555-0110 | Fax=(503) 555-0111");
+    addCase("a web address behind a sentence ending in a colon",
+            "Zahnarztpraxis am Stadtgarten\nTel. 0511 33 40 12\n"
+            "Termine auch online buchen: www.zahnarzt-stadtgarten.example.de\n",
+            "Website=www.zahnarzt-stadtgarten.example.de");
+    addCase("a page of someone else behind a sentence is no website",
+            "Teeladen Morgentau\nPlattform der EU-Kommission zur Streitbeilegung: "
+            "https://ec.europa.eu/consumers/odr\n",
+            "Website=");
     addCase("German sentence before the number",
             "Optik Brenner\nSchillerplatz 3\n55116 Mainz\nUnsere Telefonnummer bleibt: 06131 "
             "22 33 40\n",
@@ -285,11 +296,36 @@ void TestEnhancedPlaces::formLabels_data()
             "Address line 1: Suite 4, Canal House\nAddress line 2: 9 Wharf Road\n"
             "Town/City: Derby\nPostcode: DE1 2AB\n",
             "Adresse=9 Wharf Road | Adresse 2=Suite 4, Canal House | Ort=Derby");
+    addCase("US form: the state joins the city, the ZIP code label in two words",
+            "Company: Pinecrest Outfitters LLC\nStreet Address: 12 Elm Street\nCity: Bangor\n"
+            "State: ME\nZIP Code: 04401\nCountry: United States\n",
+            "Adresse=12 Elm Street | Ort=Bangor, ME | PLZ=04401 | Land=USA");
+    addCase("a state that is none of the US ones stays out of the town",
+            "Street Address: 4 Quarry Lane\nCity: Kilkenny\nState: Leinster\n", "Ort=Kilkenny");
+    addCase("French form: civility and company labels with a blank before the colon",
+            "Civilité : Mlle\nPrénom : Inès\nNom : Garnier\nSociété : Menuiserie Garnier SAS\n"
+            "Code postal : 69003\nVille : Lyon\n",
+            "Anrede=Frau | Vorname=Inès | Nachname=Garnier | Firma=Menuiserie Garnier SAS");
+    addCase("address book export: business address labels with their qualifier",
+            "Jonas Weidlich\nWeidlich Haustechnik GmbH\nTelefon geschäftlich: 0911 44 52 10\n"
+            "Straße geschäftlich: Rosenau 4\nPLZ geschäftlich: 90429\nOrt geschäftlich: Nürnberg\n",
+            "Adresse=Rosenau 4 | PLZ=90429 | Ort=Nürnberg | Telefon=0911 44 52 10");
+    addCase("registered office label before a street and town",
+            "Nordlicht Logistics GmbH\nRegistered office: Hafenstraße 12, 20457 Hamburg\n",
+            "Adresse=Hafenstraße 12 | PLZ=20457 | Ort=Hamburg");
+    addCase("register number with a number word is no phone",
+            "Lakeside Analytics Ltd.\nCompany Registration Number: 784512 (CRO)\n"
+            "Phone: +353 1 677 2040\n",
+            "Telefon=+353 1 677 2040 | Telefon 2=");
 }
 
 void TestEnhancedPlaces::formCells_data()
 {
     textAndExpected();
+    addCase("each value under its label, the pairs parted by blank lines",
+            "Anfrage\n\nFirma\nGlaserei Voss & Lenz GmbH\n\nStraße\nKiebitzweg 3\n\n"
+            "PLZ\n26123\n\nOrt\nOldenburg\n",
+            "Firma=Glaserei Voss & Lenz GmbH | Adresse=Kiebitzweg 3 | PLZ=26123 | Ort=Oldenburg");
     addCase("labels and values parted by tabs",
             "Firmenname\tKessler Bau GmbH\nVorname\tJonas\nNachname\tKessler\n"
             "Telefon\t0761 / 55 66 77\nTelefax\t0761 / 55 66 78\n",
