@@ -370,7 +370,8 @@ int StreetStrength(QStringView text, QString* value)
         }
         if (digits == 0 || i > 4)
             return false;
-        if (i < s.size() && s[i].isLetter() && s[i].isLower() && i + 1 == s.size()) {
+        // "3a", and "3A" as all-caps letterheads and many forms write it.
+        if (i < s.size() && s[i].isLetter() && i + 1 == s.size()) {
             out.append(s[i]);
             ++i;
         }

@@ -160,6 +160,11 @@ void TestEnhancedPlaces::streets_data()
     addCase("Vienna house number with staircase and door",
             "Kanzlei Hofer\nPraterstraße 31/4/12\n1020 Wien\n",
             "Adresse=Praterstraße 31/4/12 | PLZ=1020 | Ort=Wien");
+    addCase("all-caps street without a street word, the house number with a capital letter",
+            "HOLZBAU REINECKE GMBH\nMÜHLENGRUND 7B\n37671 HÖXTER\n",
+            "Adresse=MÜHLENGRUND 7B | PLZ=37671 | Ort=HÖXTER");
+    addCase("a capital letter behind a number alone is no street", "Lagerhalle Nord\nTor 4B\n",
+            "Adresse=");
     addCase("capital letter behind the house number",
             "Galerie Nord\nHafenhof 14 B\n24937 Flensburg\n", "Adresse=Hafenhof 14 B | PLZ=24937");
     addCase("French \"bis\" behind the house number",
