@@ -166,9 +166,10 @@ void TestEnhancedPeople::firms_data()
             "KESTREL VALLEY SEED CO.\n214 Mill Road\nAmherst, MA 01002\n",
             "Firma=KESTREL VALLEY SEED CO.");
     addCase("a trade word and the owner's surname, without a legal form",
-            "Beste Grüße\nMarek Ostrowski\n\nFliesen Ostrowski\nInh. Marek Ostrowski\n"
+            "Viele Grüße\nMarek Ostrowski\n\nSanitär Ostrowski\n"
+            "Ihr Fachbetrieb für Bad und Heizung\nInh. Marek Ostrowski\n"
             "Hafenweg 3 · 18055 Rostock\n",
-            "Firma=Fliesen Ostrowski | Vorname=Marek | Nachname=Ostrowski");
+            "Firma=Sanitär Ostrowski | Vorname=Marek | Nachname=Ostrowski");
     addCase("a county after a comma is no firm", "Aoife Brennan\nMain Street, Co. Kerry\n",
             "Firma=");
     addCase("register line with the court abbreviated is no firm",
