@@ -386,6 +386,24 @@ std::optional<int> checkDuplicates(bool& create, const AnalyseRun& run, OnDuplic
     return ExitDuplicate;
 }
 
+// The duplicate check, then the transfer through the book's objects; when the rows went into a
+// match, the answer names it. Gives the exit status when the check ends the run; the check's
+// errors reach the caller.
+std::optional<int> fileRows(bool create, AnalyseRun& run, OnDuplicate onDuplicate,
+                            const books::OpenedBook& opened, std::optional<LinkTransfer>& t)
+{
+    QList<dup::Match> duplicates;
+    if (const std::optional<int> stop =
+            checkDuplicates(create, run, onDuplicate, *opened.directory, duplicates))
+        return stop;
+    t.emplace(opened.objects, create, run);
+    if (!duplicates.isEmpty()) {
+        t->out.insert(u"mode"_s, u"new"_s);
+        t->out.insert(u"updatedDuplicate"_s, matchToJson(duplicates.first(), true));
+    }
+    return std::nullopt;
+}
+
 int davTransfer(bool create, const books::BookLocation& location, const AnalyseOptions& options,
                 OnDuplicate onDuplicate)
 {
@@ -399,33 +417,26 @@ int davTransfer(bool create, const books::BookLocation& location, const AnalyseO
     if (const QString e = analyseInput(options, run); !e.isEmpty())
         return usageError(e);
     const books::OpenedBook opened = books::openDavBook(dav);
-    QList<dup::Match> duplicates;
+    std::optional<LinkTransfer> t;
     try {
-        if (const std::optional<int> stop =
-                checkDuplicates(create, run, onDuplicate, *opened.directory, duplicates))
+        if (const std::optional<int> stop = fileRows(create, run, onDuplicate, opened, t))
             return *stop;
     } catch (const DavError& e) {
         return failure(e.message());
     } catch (const ActError& e) {
         return failure(e.message());
     }
-
-    LinkTransfer t(opened.objects, create, run);
-    if (!duplicates.isEmpty()) {
-        t.out.insert(u"mode"_s, u"new"_s);
-        t.out.insert(u"updatedDuplicate"_s, matchToJson(duplicates.first(), true));
-    }
     try {
         // The contact written, or the chosen one for an edit that wrote nothing.
         const std::optional<QString> edited = dav->editedContact();
-        if (t.prompted && !edited)
+        if (t->prompted && !edited)
             throw DavError(DavError::NotFound, u"the address book has no current contact"_s);
-        if (t.prompted)
-            t.out.insert(u"contact"_s, contactToJson(*dav, fetchCard(*dav, *edited)));
+        if (t->prompted)
+            t->out.insert(u"contact"_s, contactToJson(*dav, fetchCard(*dav, *edited)));
     } catch (const DavError& e) {
         return failure(e.message());
     }
-    return t.finish();
+    return t->finish();
 }
 
 int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& options,
@@ -441,36 +452,29 @@ int sqliteTransfer(bool create, const QString& path, const AnalyseOptions& optio
         return usageError(e);
 
     const books::OpenedBook opened = books::openBook({path, {}, {}}, nullptr);
-    QList<dup::Match> duplicates;
+    std::optional<LinkTransfer> t;
     try {
-        if (const std::optional<int> stop =
-                checkDuplicates(create, run, onDuplicate, *opened.directory, duplicates))
+        if (const std::optional<int> stop = fileRows(create, run, onDuplicate, opened, t))
             return *stop;
     } catch (const ActError& e) {
         return failure(e.message());
     }
-
-    LinkTransfer t(opened.objects, create, run);
-    if (!duplicates.isEmpty()) {
-        t.out.insert(u"mode"_s, u"new"_s);
-        t.out.insert(u"updatedDuplicate"_s, matchToJson(duplicates.first(), true));
-    }
     try {
-        if (t.prompted) {
+        if (t->prompted) {
             // The contact this transfer wrote (or, for an edit that wrote nothing, the one it
             // addressed): the book's current contact may already be another program's.
             const std::optional<dup::Match> written = opened.directory->current();
             if (!written)
                 throw BookError(BookError::NotFound, u"the contact book has no current contact"_s);
             ContactBook book(path, ContactBook::Access::Read);
-            t.out.insert(u"contact"_s, contactToJson(book, *parseContactId(written->id)));
+            t->out.insert(u"contact"_s, contactToJson(book, *parseContactId(written->id)));
         }
     } catch (const BookError& e) {
         return failure(e.message());
     } catch (const ActError& e) {
         return failure(e.message());
     }
-    return t.finish();
+    return t->finish();
 }
 
 } // namespace
